@@ -1,0 +1,138 @@
+#pragma once
+
+#include "interface/XeltRender.h"
+#include "widget/DisplayGeometry.h"
+
+#include <QMutex>
+#include <QOpenGLExtraFunctions>
+#include <QOpenGLWidget>
+#include <QPointer>
+#include <QRect>
+#include <QVector>
+
+class QLabel;
+class QLayout;
+
+// The video pane that every renderer derives from: parameters, display geometry, frame buffer, labels and the
+// two locks. The GUI thread runs the Qt overrides and everything about labels; host threads reach it through
+// the exported functions, which serialise them with a lock of their own.
+//
+// Lock order: m_mutexFrame, then m_mutexDrawInfo.
+class CLS_ShaderBase : public QOpenGLWidget, protected QOpenGLExtraFunctions
+{
+    Q_OBJECT
+
+public:
+    static constexpr int kLabelCount = 48;
+
+    explicit CLS_ShaderBase(QWidget *pParent);
+    ~CLS_ShaderBase() override;
+
+    // The operations behind the exports, in slot order. Results are 0 or -1.
+    virtual int32_t SetParentLayout(QLayout *pLayout);
+    virtual int32_t UnInit();
+    virtual int32_t ShowYuvFrame(const void *pData, int32_t nLength) = 0;
+    virtual int32_t SetParam(uint32_t nCommand, const void *pPayload, int32_t nLength);
+    virtual int32_t GetParam(uint32_t nCommand, void *pBuffer, int32_t nLength);
+    virtual void ClearDraw();
+    // Makes a zeroed frame buffer of nSize bytes, or of a 4:2:0 frame when nSize is below 1. Needs
+    // m_mutexFrame. -1 without a size, or when the buffer cannot be had (the sizes are stored all the same).
+    virtual int32_t InitFrameBuffer(int32_t nWidth, int32_t nHeight, int32_t nSize);
+    // Needs the widget's context current and m_mutexFrame.
+    virtual void ReleaseGLResource();
+    virtual void ClearDrawInfo();
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+    // Called with the widget's address when its destruction begins, while it is still whole. GUI thread.
+    using DestroyHook = void (*)(void *pWidget);
+    void SetDestroyHook(DestroyHook pfnHook) { m_pfnDestroyHook = pfnHook; }
+
+Q_SIGNALS:
+    // Asks the GUI thread to rebuild the labels.
+    void signalDrawTextInfo();
+
+public Q_SLOTS:
+    // GUI thread.
+    void DeleteLabels();
+
+protected:
+    bool event(QEvent *pEvent) override;
+    void resizeGL(int nWidth, int nHeight) override;
+
+    // Rebuilds the labels from the text records. GUI thread.
+    void AddLabel();
+    // Blanks every label. GUI thread.
+    void ClearLabels();
+    void ComputeQuadVertices(geometry::QuadVertices &afOut) const;
+    // Asks the host for overlay records, which it delivers before this returns. Any thread. The host's
+    // result, or 0 without a callback.
+    int32_t RequestDrawInfo(int32_t nKind);
+    // Whether any overlay record is held.
+    bool HasDrawInfo();
+    // Needs m_mutexFrame.
+    void FreeFrameBuffer();
+    // The first thing that a derived destructor does: afterwards no export reaches this object.
+    void BeginDestruction();
+
+    // Bytes of m_pFrameBuffer that frames are copied into.
+    size_t FrameBufferBytes() const { return m_nFrameBufferBytes; }
+
+    QMutex m_mutexFrame;
+    QMutex m_mutexDrawInfo; // guards m_vecDrawInfo and the labels
+    int32_t m_nVideoWidth = 0;
+    int32_t m_nVideoHeight = 0;
+    uint8_t *m_pFrameBuffer = nullptr;
+    uint8_t *m_pPlaneY = nullptr;  // NV12: into m_pFrameBuffer
+    uint8_t *m_pPlaneUV = nullptr; // NV12: into m_pFrameBuffer
+    bool m_bTypeChanged = false;
+    int32_t m_nDisplayType = 0;
+    bool m_blGLReady = false;
+    int32_t m_nFrameBufferSize = 0; // as asked for
+    uint64_t m_hWinId = 0;
+    void *m_pD3D11Device = nullptr;
+    XeltDrawInfoCallback m_pfnDrawInfo = nullptr;
+    void *m_pDrawInfoUser = nullptr;
+    geometry::NormRect m_rcEZoom;
+    QVector<XeltDrawInfo> m_vecDrawInfo;
+    QRect m_rcDraw;
+    geometry::NormRect m_rcDrawArea;
+    QWidget *m_pLabelParent = nullptr;
+    QPointer<QLabel> m_pLabels[kLabelCount]; // guarded pointers: a label goes with its parent
+    bool m_blLabelsShown = false;
+    int32_t blReserveLastFrm = 0;
+    int32_t m_blUnInit = 0;
+    int32_t m_nVideoRotateDirection = 0;
+    int32_t m_nVideoRotateAngle = 0;
+    int32_t mirrorType = 0;
+
+private:
+    int32_t OnSetDrawInfoCallback(const void *pPayload, size_t nLength);
+    int32_t OnSetEZoomArea(const void *pPayload, size_t nLength);
+    int32_t OnSetLabelParent(const void *pPayload);
+    int32_t OnSetD3D11Device(const void *pPayload, size_t nLength);
+    int32_t OnSetStopDrawPara(const void *pPayload, size_t nLength);
+    int32_t OnSetVideoRotatePara(const void *pPayload, size_t nLength);
+    int32_t SetDrawRatioMode(int32_t nMode);
+    int32_t SetDrawDstRect(int32_t nLeft, int32_t nTop, int32_t nRight, int32_t nBottom);
+    void UpdateDrawArea(const QRect &rcWidget);
+
+    int32_t OnGetWinId(void *pBuffer, size_t nLength);
+    int32_t OnGetWidgetRect(void *pBuffer) const;
+    static int32_t OnGetIsOpenGLES(void *pBuffer);
+    uint64_t RequestWinId();
+
+    // The host delivers its overlay records through this one.
+    static int32_t ReceiveDrawInfo(const void *pRecord, int32_t nLength, void *pObject);
+    int32_t AppendDrawInfo(const void *pRecord, size_t nLength);
+
+    QLabel *CreateLabel();
+    // Shows a record in slot nSlot. Needs m_mutexDrawInfo.
+    void ShowLabel(int nSlot, XeltDrawInfo &record);
+
+    DestroyHook m_pfnDestroyHook = nullptr;
+    QMetaObject::Connection m_labelParentDestroyed;
+    // The allocation is longer than this where an upload reads rows past their end.
+    size_t m_nFrameBufferBytes = 0;
+};

@@ -1,0 +1,76 @@
+// The overlay records of CLS_ShaderBase: asking the host for them and keeping what it delivers.
+#include "widget/CLS_ShaderBase.h"
+
+#include <QMutexLocker>
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+// The right and bottom edges do not count from the widget's own corner, deliberately: hosts expect it so.
+XeltDrawInfoRequest MakeRequest(int32_t nKind, const QRect &rcWidget, const geometry::NormRect &rcArea)
+{
+    XeltDrawInfoRequest request = {};
+    request.nKind = nKind;
+    request.nLeft = geometry::TruncateToInt(rcWidget.left() + rcWidget.width() * rcArea.left);
+    request.nTop = geometry::TruncateToInt(rcWidget.top() + rcWidget.height() * rcArea.top);
+    request.nRight = geometry::TruncateToInt(rcWidget.width() * rcArea.right);
+    request.nBottom = geometry::TruncateToInt(rcWidget.height() * rcArea.bottom);
+    const int64_t nWidth = std::abs(int64_t{request.nRight} - request.nLeft);
+    const int64_t nHeight = std::abs(int64_t{request.nBottom} - request.nTop);
+    request.nWidth = geometry::TruncateToInt(static_cast<double>(nWidth));
+    request.nHeight = geometry::TruncateToInt(static_cast<double>(nHeight));
+    return request;
+}
+
+} // namespace
+
+void CLS_ShaderBase::ClearDrawInfo()
+{
+    const QMutexLocker locker(&m_mutexDrawInfo);
+    m_vecDrawInfo.clear();
+}
+
+bool CLS_ShaderBase::HasDrawInfo()
+{
+    const QMutexLocker locker(&m_mutexDrawInfo);
+    return !m_vecDrawInfo.isEmpty();
+}
+
+int32_t CLS_ShaderBase::RequestDrawInfo(int32_t nKind)
+{
+    const XeltDrawInfoCallback pfnDrawInfo = m_pfnDrawInfo;
+    if (pfnDrawInfo == nullptr) {
+        return 0;
+    }
+    XeltDrawInfoRequest request = MakeRequest(nKind, rect(), m_rcDrawArea);
+    request.pfnReceiver = &CLS_ShaderBase::ReceiveDrawInfo;
+    request.pObject = this;
+    try {
+        return pfnDrawInfo(nullptr, &request, XELT_DRAWINFO_REQUEST_SIZE, m_pDrawInfoUser);
+    } catch (...) {
+        return -1; // what a host's callback throws must not run through Qt's event loop
+    }
+}
+
+int32_t CLS_ShaderBase::ReceiveDrawInfo(const void *pRecord, int32_t nLength, void *pObject)
+{
+    if (pRecord == nullptr || pObject == nullptr || nLength < 1) {
+        return -1;
+    }
+    try {
+        return static_cast<CLS_ShaderBase *>(pObject)->AppendDrawInfo(pRecord, static_cast<size_t>(nLength));
+    } catch (...) {
+        return -1;
+    }
+}
+
+int32_t CLS_ShaderBase::AppendDrawInfo(const void *pRecord, size_t nLength)
+{
+    XeltDrawInfo record = {};
+    std::memcpy(&record, pRecord, std::min(nLength, sizeof(record)));
+    const QMutexLocker locker(&m_mutexDrawInfo);
+    m_vecDrawInfo.append(record);
+    return 0;
+}

@@ -1,0 +1,238 @@
+// The commands of CLS_ShaderBase. They run on the host's thread under the exports' lock; painting reads what
+// they store without one, as a torn value lasts no longer than the repaint that follows.
+#include "widget/CLS_ShaderBase.h"
+
+#include "log/CLS_OmbrixApi.h"
+
+#include <QOpenGLContext>
+#include <QThread>
+#include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <cstring>
+#include <memory>
+#include <mutex>
+
+namespace {
+
+constexpr auto kWinIdTimeout = std::chrono::milliseconds(500);
+
+// A whole record from a payload, whatever length the host declared.
+template <class Record> Record ReadWhole(const void *pPayload)
+{
+    Record record;
+    std::memcpy(&record, pPayload, sizeof(record));
+    return record;
+}
+
+// Overwrites the leading bytes of a record; the rest keeps its old value.
+template <class Record> void Overwrite(Record &record, const void *pPayload, size_t nLength)
+{
+    std::memcpy(&record, pPayload, std::min(nLength, sizeof(record)));
+}
+
+} // namespace
+
+int32_t CLS_ShaderBase::SetParam(uint32_t nCommand, const void *pPayload, int32_t nLength)
+{
+    if (pPayload == nullptr || nLength < 1) {
+        return -1;
+    }
+    const auto nBytes = static_cast<size_t>(nLength);
+    switch (nCommand) {
+    case XELTCMD_SET_DRAWINFO_CALLBACK:
+        return OnSetDrawInfoCallback(pPayload, nBytes);
+    case XELTCMD_SET_EZOOM_AREA:
+        return OnSetEZoomArea(pPayload, nBytes);
+    case XELTCMD_SET_LABEL_PARENT:
+        return OnSetLabelParent(pPayload);
+    case XELTCMD_SET_D3D11_DEVICE:
+        return OnSetD3D11Device(pPayload, nBytes);
+    case XELTCMD_SET_STOPDRAW_PARA:
+        return OnSetStopDrawPara(pPayload, nBytes);
+    case XELTCMD_SET_ROTATE_PARA:
+        return OnSetVideoRotatePara(pPayload, nBytes);
+    case XELTCMD_SET_DRAW_RATIO_MODE:
+        return SetDrawRatioMode(ReadWhole<XeltDrawRatioPara>(pPayload).nMode);
+    case XELTCMD_SET_DRAW_DST_RECT: {
+        const auto rc = ReadWhole<XeltDrawDstRect>(pPayload);
+        return SetDrawDstRect(rc.left, rc.top, rc.right, rc.bottom);
+    }
+    default:
+        return -1;
+    }
+}
+
+int32_t CLS_ShaderBase::OnSetDrawInfoCallback(const void *pPayload, size_t nLength)
+{
+    XeltDrawInfoCallbackPara para = {m_pfnDrawInfo, m_pDrawInfoUser};
+    Overwrite(para, pPayload, nLength);
+    m_pfnDrawInfo = para.pfnCallback;
+    m_pDrawInfoUser = para.pUser;
+    return 0;
+}
+
+int32_t CLS_ShaderBase::OnSetEZoomArea(const void *pPayload, size_t nLength)
+{
+    // Deliberately as long as the host says: the contract is exactly 32 bytes, and more overwrites the
+    // members that follow.
+    void *pZoom = &m_rcEZoom;
+    std::memcpy(pZoom, pPayload, nLength);
+    XELT_LOG("[XeltRender::SetParam]XELTCMD_SET_EZOOM_AREA left = %f top = %f right = %f bottom = %f",
+             m_rcEZoom.left, m_rcEZoom.top, m_rcEZoom.right, m_rcEZoom.bottom);
+    return 0;
+}
+
+int32_t CLS_ShaderBase::OnSetLabelParent(const void *pPayload)
+{
+    disconnect(m_labelParentDestroyed);
+    m_pLabelParent = static_cast<QWidget *>(const_cast<void *>(pPayload));
+    // The host may destroy its widget while labels are still rebuilt.
+    m_labelParentDestroyed =
+        connect(m_pLabelParent, &QObject::destroyed, this, [this] { m_pLabelParent = nullptr; });
+    return 0;
+}
+
+int32_t CLS_ShaderBase::OnSetD3D11Device(const void *pPayload, size_t nLength)
+{
+    Overwrite(m_pD3D11Device, pPayload, nLength);
+    return 0;
+}
+
+int32_t CLS_ShaderBase::OnSetStopDrawPara(const void *pPayload, size_t nLength)
+{
+    Overwrite(blReserveLastFrm, pPayload, nLength);
+    XELT_LOG("CLS_ShaderBase::SetParam-XELTCMD_SET_STOPDRAW_PARA blReserveLastFrm=%d", blReserveLastFrm);
+    return 0;
+}
+
+int32_t CLS_ShaderBase::OnSetVideoRotatePara(const void *pPayload, size_t nLength)
+{
+    XeltRotatePara para = {m_nVideoRotateDirection, m_nVideoRotateAngle, mirrorType};
+    Overwrite(para, pPayload, nLength);
+    m_nVideoRotateDirection = para.nDirection;
+    m_nVideoRotateAngle = para.nAngle;
+    mirrorType = para.nMirror;
+    XELT_LOG("%s::%s(%d) OnSetVideoRotatePara m_nVideoRotateAngle:%d, m_nVideoRotateDirection=%d, "
+             "mirrorType: %d",
+             "CLS_ShaderBase", "CLS_ShaderBase::OnSetVideoRotatePara", __LINE__, m_nVideoRotateAngle,
+             m_nVideoRotateDirection, mirrorType);
+    return 0;
+}
+
+int32_t CLS_ShaderBase::SetDrawRatioMode(int32_t nMode)
+{
+    const QRect rcWidget = rect();
+    m_rcDraw = rcWidget;
+    XELT_LOG("[CLS_ShaderBase::SetDrawRatioMode] before l=%d, t=%d, r=%d, b=%d", m_rcDraw.left(),
+             m_rcDraw.top(), m_rcDraw.right(), m_rcDraw.bottom());
+    if (nMode == 0) {
+        m_rcDraw = geometry::FitFrame(rcWidget, m_nVideoWidth, m_nVideoHeight);
+    }
+    UpdateDrawArea(rcWidget);
+    // No blank after the bracket: the text is matched by log readers.
+    XELT_LOG("[CLS_ShaderBase::SetDrawRatioMode]after l=%d, t=%d, r=%d, b=%d", m_rcDraw.left(),
+             m_rcDraw.top(), m_rcDraw.right(), m_rcDraw.bottom());
+    return 0;
+}
+
+int32_t CLS_ShaderBase::SetDrawDstRect(int32_t nLeft, int32_t nTop, int32_t nRight, int32_t nBottom)
+{
+    const QRect rcWidget = rect();
+    XELT_LOG("[CLS_ShaderBase::SetDrawDstRect] width=%d, height=%d", rcWidget.width(), rcWidget.height());
+    m_rcDraw.setCoords(nLeft, nTop, nRight, nBottom);
+    XELT_LOG("[CLS_ShaderBase::SetDrawDstRect] left=%d, top=%d , right =%d ,bottom = %d", nLeft, nTop, nRight,
+             nBottom);
+    if (geometry::InclusiveLength(nLeft, nRight) < 2 || geometry::InclusiveLength(nTop, nBottom) < 2) {
+        return -1; // the rejected rectangle stays stored, deliberately
+    }
+    UpdateDrawArea(rcWidget);
+    XELT_LOG("[CLS_ShaderBase::SetDrawDstRect] left=%.2f, top=%.2f , right =%.2f ,bottom = %.2f",
+             m_rcDrawArea.left, m_rcDrawArea.top, m_rcDrawArea.right, m_rcDrawArea.bottom);
+    return 0;
+}
+
+void CLS_ShaderBase::UpdateDrawArea(const QRect &rcWidget)
+{
+    if (!rcWidget.isEmpty()) {
+        m_rcDrawArea = geometry::Normalise(m_rcDraw, rcWidget);
+    }
+}
+
+int32_t CLS_ShaderBase::GetParam(uint32_t nCommand, void *pBuffer, int32_t nLength)
+{
+    if (pBuffer == nullptr || nLength < 1) {
+        return -1;
+    }
+    switch (nCommand) {
+    case XELTCMD_GET_WINID:
+        return OnGetWinId(pBuffer, static_cast<size_t>(nLength));
+    case XELTCMD_GET_WIDGET_RECT:
+        return OnGetWidgetRect(pBuffer);
+    case XELTCMD_GET_IS_OPENGLES:
+        return OnGetIsOpenGLES(pBuffer);
+    default:
+        return -1;
+    }
+}
+
+int32_t CLS_ShaderBase::OnGetWinId(void *pBuffer, size_t nLength)
+{
+    if (m_hWinId == 0) {
+        m_hWinId = RequestWinId();
+    }
+    if (m_hWinId == 0) {
+        return -1;
+    }
+    std::memcpy(pBuffer, &m_hWinId, std::min(nLength, sizeof(m_hWinId)));
+    return 0;
+}
+
+// A native window is made on the widget's own thread. Another thread asks for it and waits, but not for ever:
+// the GUI thread may itself be waiting for this call to end.
+uint64_t CLS_ShaderBase::RequestWinId()
+{
+    if (QThread::currentThread() == thread()) {
+        return winId();
+    }
+    struct Answer
+    {
+        std::mutex mutex;
+        std::condition_variable condition;
+        bool blDone = false;
+        uint64_t hWinId = 0;
+    };
+    const auto pAnswer = std::make_shared<Answer>();
+    QMetaObject::invokeMethod(
+        this,
+        [this, pAnswer] {
+            const uint64_t hWinId = winId();
+            const std::lock_guard<std::mutex> guard(pAnswer->mutex);
+            pAnswer->hWinId = hWinId;
+            pAnswer->blDone = true;
+            pAnswer->condition.notify_one();
+        },
+        Qt::QueuedConnection);
+    std::unique_lock<std::mutex> lock(pAnswer->mutex);
+    pAnswer->condition.wait_for(lock, kWinIdTimeout, [&] { return pAnswer->blDone; });
+    return pAnswer->hWinId;
+}
+
+// Top before left, deliberately: hosts read the record in this order.
+int32_t CLS_ShaderBase::OnGetWidgetRect(void *pBuffer) const
+{
+    const QRect rcWidget = rect();
+    const XeltWidgetRect record = {rcWidget.top(), rcWidget.left(), rcWidget.right(), rcWidget.bottom()};
+    std::memcpy(pBuffer, &record, sizeof(record));
+    return 0;
+}
+
+int32_t CLS_ShaderBase::OnGetIsOpenGLES(void *pBuffer)
+{
+    const QOpenGLContext *pContext = QOpenGLContext::currentContext();
+    const bool blOpenGLES = pContext != nullptr ? pContext->isOpenGLES()
+                                                : QOpenGLContext::openGLModuleType() != QOpenGLContext::LibGL;
+    const uint32_t nAnswer = blOpenGLES ? 1 : 0;
+    std::memcpy(pBuffer, &nAnswer, sizeof(nAnswer));
+    return 0;
+}

@@ -1,0 +1,226 @@
+// Life cycle and submission of CLS_ShaderYuv. Painting is in YuvPainting.cpp, programs in YuvPrograms.cpp.
+#include "yuv/CLS_ShaderYuv.h"
+
+#include "log/CLS_OmbrixApi.h"
+#include "yuv/PlaneCopy.h"
+
+#include <QMutexLocker>
+#include <QOpenGLContext>
+#include <QOpenGLShaderProgram>
+#include <QOpenGLTexture>
+#include <algorithm>
+#include <cstring>
+
+CLS_ShaderYuv::CLS_ShaderYuv() : CLS_ShaderBase(nullptr), m_pD3D11EGL(CLS_D3D11EGL::Create())
+{
+    m_nDisplayType = -1;
+    connect(this, &QObject::destroyed, this, &CLS_ShaderYuv::onDestroyed);
+    connect(this, &CLS_ShaderYuv::signalUpdate, this, [this] { update(); });
+    XELT_LOG("CreateShader CLS_ShaderYuv.");
+}
+
+CLS_ShaderYuv::~CLS_ShaderYuv()
+{
+    BeginDestruction();
+    // QObject emits destroyed() when this part of the object is gone already.
+    disconnect(this, &QObject::destroyed, this, nullptr);
+    onDestroyed(this);
+    makeCurrent();
+    if (context() != nullptr) {
+        disconnect(context(), &QOpenGLContext::aboutToBeDestroyed, this, nullptr);
+    }
+    {
+        const QMutexLocker locker(&m_mutexFrame);
+        FreeFrameBuffer();
+        m_nVideoWidth = 0;
+        m_nVideoHeight = 0;
+        ReleaseGLResource();
+        Q_EMIT signalUpdate();
+    }
+    m_pD3D11EGL.reset();
+    doneCurrent();
+}
+
+void CLS_ShaderYuv::onDestroyed(QObject *obj)
+{
+    if (obj == this) {
+        m_bDestroyed = true;
+    }
+}
+
+int32_t CLS_ShaderYuv::SetParam(uint32_t nCommand, const void *pPayload, int32_t nLength)
+{
+    const int32_t nResult = CLS_ShaderBase::SetParam(nCommand, pPayload, nLength);
+    if (nCommand == XELTCMD_SET_EZOOM_AREA) {
+        Q_EMIT signalUpdate();
+    }
+    return nResult;
+}
+
+int32_t CLS_ShaderYuv::GetParam(uint32_t nCommand, void *pBuffer, int32_t nLength)
+{
+    return CLS_ShaderBase::GetParam(nCommand, pBuffer, nLength);
+}
+
+int32_t CLS_ShaderYuv::ShowYuvFrame(const void *pData, int32_t nLength)
+{
+    if (m_bDestroyed || pData == nullptr || nLength < 1) {
+        return -1;
+    }
+    VideoFrameDesc frame = {};
+    std::memcpy(&frame, pData, std::min(static_cast<size_t>(nLength), sizeof(frame)));
+
+    const bool blLeavesD3D11 =
+        m_nDisplayType == VIDEO_DISPLAY_DXGL && frame.nDisplayType != VIDEO_DISPLAY_DXGL;
+    if (m_bClearPending || blLeavesD3D11) {
+        // A callback that the host registered since its own ClearDraw is dropped here, deliberately.
+        blReserveLastFrm = 0;
+        ClearDraw();
+        m_bClearPending = false;
+    }
+
+    const QMutexLocker locker(&m_mutexFrame);
+    if (frame.nDisplayType != m_nDisplayType) {
+        TakeDisplayType(frame.nDisplayType);
+    }
+    if (frame.nDisplayType == VIDEO_DISPLAY_DXGL) {
+        TakeD3D11Frame(frame, pData, nLength);
+    } else {
+        int32_t nResult = -1;
+        if (!TakeSoftwareFrame(frame, nResult)) {
+            return nResult;
+        }
+    }
+    RenewDrawInfo(frame.nDrawInfoKind);
+    Q_EMIT signalUpdate();
+    return m_nDisplayType == VIDEO_DISPLAY_DXGL && m_nD3D11FailCount != 0 ? -1 : 0;
+}
+
+void CLS_ShaderYuv::TakeDisplayType(int32_t nDisplayType)
+{
+    m_bTypeChanged = true;
+    switch (nDisplayType) {
+    case VIDEO_DISPLAY_VAGL:
+    case 8:
+        XELT_LOG("ShowYuvFrame Display type is VIDEO_DISPLAY_VAGL,The Player is HWVaapiPlayer");
+        break;
+    case VIDEO_DISPLAY_DXGL:
+        XELT_LOG("ShowYuvFrame Display type is VIDEO_DISPLAY_DXGL,The Player is D3D11Player");
+        break;
+    case VIDEO_DISPLAY_NV12:
+        XELT_LOG("ShowYuvFrame Display type is VIDEO_DISPLAY_NV12,The Player is DxvaPlayer");
+        break;
+    default:
+        XELT_LOG("ShowYuvFrame Display type is VIDEO_DISPLAY_YV12,The Player is SoftWare Player");
+        break;
+    }
+    // 4 never equals what is stored for it, so that each of its frames counts as a change, deliberately.
+    m_nDisplayType = nDisplayType == 4 ? VIDEO_DISPLAY_VAGL : nDisplayType;
+}
+
+void CLS_ShaderYuv::TakeD3D11Frame(const VideoFrameDesc &frame, const void *pData, int32_t nLength)
+{
+    m_nVideoWidth = frame.iWidth;
+    m_nVideoHeight = frame.iHeight;
+    if (m_pD3D11EGL == nullptr) {
+        return;
+    }
+    if (m_pD3D11EGL->Device() != m_pD3D11Device) {
+        m_pD3D11EGL->SetDevice(m_pD3D11Device);
+    }
+    m_pD3D11EGL->SetFrame(pData, nLength);
+}
+
+bool CLS_ShaderYuv::TakeSoftwareFrame(const VideoFrameDesc &frame, int32_t &nResult)
+{
+    nResult = -1;
+    const bool blOtherLength = frame.nDataLen > 0 && frame.nDataLen != m_nFrameBufferSize;
+    const bool blOtherSize = frame.iWidth != m_nVideoWidth || frame.iHeight != m_nVideoHeight;
+    if (blOtherLength || m_pFrameBuffer == nullptr || blOtherSize) {
+        nResult = InitFrameBuffer(frame.iWidth, frame.iHeight, frame.nDataLen);
+    }
+    if (m_pFrameBuffer == nullptr) {
+        return false;
+    }
+    if (frame.iWidth < 1 || frame.iHeight < 1) {
+        XELT_REPORT_ERROR("CLS_ShaderYuv", "CLS_ShaderYuv::ShowYuvFrame",
+                          "ShowYuvFrame iWidth = %d iHeight = %d is invalid param", frame.iWidth,
+                          frame.iHeight);
+        return false;
+    }
+    const yuv::FrameTarget target = {m_pFrameBuffer, FrameBufferBytes(), m_nVideoWidth, m_nVideoHeight};
+    if (frame.nDisplayType == VIDEO_DISPLAY_NV12) {
+        m_pPlaneY = m_pFrameBuffer;
+        m_pPlaneUV = target.lumaBytes() <= target.nBytes ? m_pFrameBuffer + target.lumaBytes() : nullptr;
+        yuv::CopyNv12(frame, target);
+        m_bExplicitLength = false;
+    } else {
+        yuv::CopyPlanar(frame, target, m_bExplicitLength);
+    }
+    return true;
+}
+
+void CLS_ShaderYuv::RenewDrawInfo(int32_t nKind)
+{
+    const bool blHadDrawInfo = HasDrawInfo();
+    ClearDrawInfo();
+    NotifyDrawInfo(nKind);
+    if (blHadDrawInfo || HasDrawInfo()) {
+        Q_EMIT signalDrawTextInfo();
+    }
+}
+
+int32_t CLS_ShaderYuv::NotifyDrawInfo(int32_t nKind)
+{
+    if (m_pfnDrawInfo == nullptr) {
+        return 0;
+    }
+    m_nDrawInfoKind = nKind;
+    return RequestDrawInfo(nKind);
+}
+
+void CLS_ShaderYuv::ClearDraw()
+{
+    ClearDrawInfo();
+    Q_EMIT signalDrawTextInfo();
+    PaintDrawInfo(yuv::DrawInfoPass::BeforePicture);
+    {
+        const QMutexLocker locker(&m_mutexFrame);
+        if (m_pD3D11EGL != nullptr) {
+            m_pD3D11EGL->ClearFramePending();
+        }
+    }
+    if (blReserveLastFrm == 0) {
+        UnInit();
+    } else {
+        m_bClearPending = true;
+    }
+    m_pfnDrawInfo = nullptr;
+    XELT_LOG("CLS_ShaderYuv::ClearDraw, blReserveLastFrm=%d", blReserveLastFrm);
+}
+
+int32_t CLS_ShaderYuv::UnInit()
+{
+    const QMutexLocker locker(&m_mutexFrame);
+    ResetFrameState();
+    return 0;
+}
+
+void CLS_ShaderYuv::ResetFrameState()
+{
+    m_bTypeChanged = true;
+    m_nDisplayType = -1;
+    FreeFrameBuffer();
+    m_nVideoWidth = 0;
+    m_nVideoHeight = 0;
+    CLS_ShaderBase::UnInit();
+    m_blUnInit = 1;
+    // This may be a host thread: the painting thread releases and destroys the old hardware path.
+    if (m_pD3D11EGL != nullptr) {
+        m_vecRetired.push_back(std::move(m_pD3D11EGL));
+    }
+    m_pD3D11EGL = CLS_D3D11EGL::Create();
+    m_rcDrawArea = geometry::NormRect();
+    m_rcEZoom = geometry::NormRect();
+    Q_EMIT signalUpdate();
+}

@@ -1,0 +1,196 @@
+// Painting of CLS_ShaderYuv. GUI thread, the widget's context current.
+#include "yuv/CLS_ShaderYuv.h"
+
+#include "log/CLS_OmbrixApi.h"
+
+#include <QColor>
+#include <QMutexLocker>
+#include <QOpenGLContext>
+#include <QOpenGLShaderProgram>
+#include <QScreen>
+#include <QThread>
+#include <chrono>
+#include <mutex>
+
+namespace {
+
+constexpr auto kPaintTimeout = std::chrono::milliseconds(500);
+
+void LogGlString(QOpenGLExtraFunctions &gl, const char *pszFormat, GLenum nName)
+{
+    const auto *pszValue = reinterpret_cast<const char *>(gl.glGetString(nName));
+    CLS_OmbrixApi::Instance().inner_sdk_log_msg(pszFormat, pszValue != nullptr ? pszValue : "");
+}
+
+} // namespace
+
+void CLS_ShaderYuv::initializeGL()
+{
+    const QMutexLocker locker(&m_mutexFrame);
+    initializeOpenGLFunctions();
+    connect(context(), &QOpenGLContext::aboutToBeDestroyed, this, [this] { OnContextLost(); });
+    LogGlString(*this, "[CLS_ShaderYuv]GL_VERSION: %s", GL_VERSION);
+    LogGlString(*this, "[CLS_ShaderYuv]GL_VENDOR: %s", GL_VENDOR);
+    LogGlString(*this, "[CLS_ShaderYuv]GL_RENDERER: %s", GL_RENDERER);
+    LogGlString(*this, "[CLS_ShaderYuv]GL_SHADING_LANGUAGE_VERSION: %s", GL_SHADING_LANGUAGE_VERSION);
+}
+
+void CLS_ShaderYuv::OnContextLost()
+{
+    makeCurrent();
+    {
+        const QMutexLocker locker(&m_mutexFrame);
+        ReleaseGLResource();
+    }
+    doneCurrent();
+}
+
+void CLS_ShaderYuv::resizeGL(int nWidth, int nHeight)
+{
+    CLS_ShaderBase::resizeGL(nWidth, nHeight);
+    RenewDrawInfo(m_nDrawInfoKind);
+}
+
+void CLS_ShaderYuv::paintGL()
+{
+    std::unique_lock<QMutex> lock(m_mutexFrame, kPaintTimeout);
+    if (!lock.owns_lock()) {
+        return;
+    }
+    DestroyRetired();
+    if (m_bTypeChanged) {
+        ReleaseGLResource();
+        m_bTypeChanged = false;
+    }
+    if (m_nDisplayType == -1) {
+        const QColor black(0, 0, 0, 255);
+        glClearColor(static_cast<float>(black.redF()), static_cast<float>(black.greenF()),
+                     static_cast<float>(black.blueF()), static_cast<float>(black.alphaF()));
+        glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+        return;
+    }
+    const bool blSoftware = m_nDisplayType == VIDEO_DISPLAY_YV12 || m_nDisplayType == VIDEO_DISPLAY_NV12;
+    if (blSoftware && m_pFrameBuffer == nullptr) {
+        return;
+    }
+    if (!m_blGLReady && !EnsurePrograms()) {
+        // The frame mutex stays locked, deliberately: without a program no later frame may be accepted.
+        lock.release();
+        return;
+    }
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
+    glEnable(GL_DEPTH_TEST);
+    PaintDrawInfo(yuv::DrawInfoPass::BeforePicture);
+    DrawPicture();
+    glDisable(GL_DEPTH_TEST);
+    glEnable(GL_BLEND);
+    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    PaintDrawInfo(yuv::DrawInfoPass::OverPicture);
+    glDisable(GL_BLEND);
+}
+
+bool CLS_ShaderYuv::EnsurePrograms()
+{
+    bool blReady = true;
+    switch (m_nDisplayType) {
+    case VIDEO_DISPLAY_NV12:
+        InitGLNV12();
+        break;
+    case VIDEO_DISPLAY_DXGL:
+        blReady = InitHardwareProgram();
+        break;
+    default:
+        // A type without a picture of its own still needs a program for its overlay shapes.
+        InitGLYV12();
+        break;
+    }
+    m_blGLReady = true;
+    return blReady;
+}
+
+bool CLS_ShaderYuv::InitHardwareProgram()
+{
+    if (m_pD3D11EGL == nullptr) {
+        return true; // no hardware path in this build: no picture
+    }
+    if (m_pD3D11EGL->InitD3D11EGL() != 0) {
+        XELT_LOG("InitD3D11EGL faild");
+        return false;
+    }
+    m_nLocDrawFlag = m_pD3D11EGL->DrawFlagLocation();
+    m_nLocDrawColor = m_pD3D11EGL->DrawColorLocation();
+    return true;
+}
+
+void CLS_ShaderYuv::DrawPicture()
+{
+    switch (m_nDisplayType) {
+    case VIDEO_DISPLAY_YV12:
+        DrawYV12();
+        break;
+    case VIDEO_DISPLAY_NV12:
+        DrawNV12();
+        break;
+    case VIDEO_DISPLAY_DXGL:
+        DrawD3D11();
+        break;
+    default:
+        break;
+    }
+}
+
+void CLS_ShaderYuv::DrawD3D11()
+{
+    if (m_pD3D11EGL == nullptr) {
+        return;
+    }
+    m_pD3D11EGL->SetAreas(m_rcDrawArea, m_rcEZoom);
+    const QScreen *pScreen = screen();
+    const double dRatio = pScreen != nullptr ? pScreen->devicePixelRatio() : 1.0;
+    QRect rcDevice = rect();
+    rcDevice.setSize(QSize(geometry::TruncateToInt(rcDevice.width() * dRatio),
+                           geometry::TruncateToInt(rcDevice.height() * dRatio)));
+    m_pD3D11EGL->SetRotation(m_nVideoRotateDirection, m_nVideoRotateAngle, mirrorType);
+    if (m_pD3D11EGL->Render(rcDevice) != 0) {
+        ++m_nD3D11FailCount;
+    } else {
+        m_nD3D11FailCount = 0;
+    }
+}
+
+bool CLS_ShaderYuv::BindPictureProgram()
+{
+    if (m_nDisplayType == VIDEO_DISPLAY_DXGL) {
+        return m_pD3D11EGL != nullptr && m_pD3D11EGL->BindProgram();
+    }
+    return m_pProgram != nullptr && m_pProgram->bind();
+}
+
+void CLS_ShaderYuv::PaintDrawInfo(yuv::DrawInfoPass pass)
+{
+    const QOpenGLContext *pContext = QOpenGLContext::currentContext();
+    if (QThread::currentThread() != thread() || pContext == nullptr || pContext != context()) {
+        return;
+    }
+    const QMutexLocker locker(&m_mutexDrawInfo);
+    if (m_vecDrawInfo.isEmpty() || !BindPictureProgram()) {
+        return;
+    }
+    yuv::DrawInfoLocations locations = {m_nLocDrawFlag, m_nLocDrawColor, m_nLocDrawAlpha};
+    if (m_nDisplayType == VIDEO_DISPLAY_DXGL) {
+        locations = {m_pD3D11EGL->DrawFlagLocation(), m_pD3D11EGL->DrawColorLocation(),
+                     m_pD3D11EGL->DrawAlphaLocation()};
+    } else {
+        SetMatrix(); // shapes turn with the picture from its first paint on
+    }
+    m_painter.Paint(*this, pContext->isOpenGLES(), m_vecDrawInfo, pass, locations,
+                    geometry::MapPoints(rect(), m_rcEZoom));
+}
+
+void CLS_ShaderYuv::DestroyRetired()
+{
+    for (const std::unique_ptr<CLS_D3D11EGL> &pRetired : m_vecRetired) {
+        pRetired->ReleaseEGL();
+    }
+    m_vecRetired.clear();
+}
