@@ -78,11 +78,8 @@ void ForgetRenderer(void *pWidget)
         const QWriteLocker locker(&g_registry.Lock());
         g_registry.Remove(pWidget, pMutex);
     }
-    if (pMutex != nullptr) {
-        pMutex->lock();
-        pMutex->unlock();
-        delete pMutex;
-    }
+    const std::unique_ptr<QMutex> pOwned(pMutex);
+    const QMutexLocker locker(pOwned.get());
 }
 
 CLS_ShaderBase *CreateShader(int32_t nType)
@@ -148,12 +145,11 @@ int32_t ReleaseRenderer(void *handle)
     if (pMutex == nullptr) {
         return 0;
     }
+    const std::unique_ptr<QMutex> pOwned(pMutex); // goes after the locker below
+    const QMutexLocker locker(pMutex);            // waits for a call that is still inside
     auto *pRenderer = static_cast<CLS_ShaderBase *>(handle);
-    pMutex->lock();
     pRenderer->UnInit();
     Dispose(pRenderer);
-    pMutex->unlock();
-    delete pMutex;
     return 0;
 }
 

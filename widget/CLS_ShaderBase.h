@@ -127,6 +127,8 @@ private:
     static int32_t ReceiveDrawInfo(const void *pRecord, int32_t nLength, void *pObject);
     int32_t AppendDrawInfo(const void *pRecord, size_t nLength);
 
+    // Fills the label slots from the text records and returns how many these use up. GUI thread.
+    int ShowLabels();
     QLabel *CreateLabel();
     // Shows a record in slot nSlot. Needs m_mutexDrawInfo.
     void ShowLabel(int nSlot, XeltDrawInfo &record);

@@ -51,6 +51,17 @@ QString StyleSheetFor(uint32_t nColor)
 
 void CLS_ShaderBase::AddLabel()
 {
+    const int nSlots = ShowLabels();
+    const bool blShown = nSlots != 0;
+    // The repaint may reach this widget's own painting, which takes the mutex that ShowLabels has released.
+    if (m_pLabelParent != nullptr && (m_blLabelsShown != blShown || blShown)) {
+        m_pLabelParent->repaint();
+    }
+    m_blLabelsShown = blShown;
+}
+
+int CLS_ShaderBase::ShowLabels()
+{
     const QMutexLocker locker(&m_mutexDrawInfo);
     ClearLabels();
     int nSlot = 0;
@@ -65,11 +76,7 @@ void CLS_ShaderBase::AddLabel()
         }
         ++nSlot;
     }
-    const bool blShown = nSlot != 0;
-    if (m_pLabelParent != nullptr && !(m_blLabelsShown == blShown && nSlot == 0)) {
-        m_pLabelParent->repaint();
-    }
-    m_blLabelsShown = blShown;
+    return nSlot;
 }
 
 void CLS_ShaderBase::ShowLabel(int nSlot, XeltDrawInfo &record)

@@ -79,6 +79,18 @@ int32_t CLS_ShaderYuv::ShowYuvFrame(const void *pData, int32_t nLength)
         m_bClearPending = false;
     }
 
+    bool blDrawInfoChanged = false;
+    const int32_t nResult = TakeFrame(frame, pData, nLength, blDrawInfoChanged);
+    if (blDrawInfoChanged) {
+        // Labels may repaint at once when this is the GUI thread, and painting takes the frame mutex.
+        Q_EMIT signalDrawTextInfo();
+    }
+    return nResult;
+}
+
+int32_t CLS_ShaderYuv::TakeFrame(const VideoFrameDesc &frame, const void *pData, int32_t nLength,
+                                 bool &blDrawInfoChanged)
+{
     const QMutexLocker locker(&m_mutexFrame);
     if (frame.nDisplayType != m_nDisplayType) {
         TakeDisplayType(frame.nDisplayType);
@@ -91,7 +103,7 @@ int32_t CLS_ShaderYuv::ShowYuvFrame(const void *pData, int32_t nLength)
             return nResult;
         }
     }
-    RenewDrawInfo(frame.nDrawInfoKind);
+    blDrawInfoChanged = RenewDrawInfo(frame.nDrawInfoKind);
     Q_EMIT signalUpdate();
     return m_nDisplayType == VIDEO_DISPLAY_DXGL && m_nD3D11FailCount != 0 ? -1 : 0;
 }
@@ -160,14 +172,12 @@ bool CLS_ShaderYuv::TakeSoftwareFrame(const VideoFrameDesc &frame, int32_t &nRes
     return true;
 }
 
-void CLS_ShaderYuv::RenewDrawInfo(int32_t nKind)
+bool CLS_ShaderYuv::RenewDrawInfo(int32_t nKind)
 {
     const bool blHadDrawInfo = HasDrawInfo();
     ClearDrawInfo();
     NotifyDrawInfo(nKind);
-    if (blHadDrawInfo || HasDrawInfo()) {
-        Q_EMIT signalDrawTextInfo();
-    }
+    return blHadDrawInfo || HasDrawInfo();
 }
 
 int32_t CLS_ShaderYuv::NotifyDrawInfo(int32_t nKind)

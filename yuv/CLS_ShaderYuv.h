@@ -41,13 +41,16 @@ protected:
     void resizeGL(int nWidth, int nHeight) override;
     void paintGL() override;
 
-    // Submission: host thread, m_mutexFrame held.
+    // Stores a frame under m_mutexFrame. Host thread.
+    int32_t TakeFrame(const VideoFrameDesc &frame, const void *pData, int32_t nLength,
+                      bool &blDrawInfoChanged);
+    // The steps of it: host thread, m_mutexFrame held.
     void TakeDisplayType(int32_t nDisplayType);
     void TakeD3D11Frame(const VideoFrameDesc &frame, const void *pData, int32_t nLength);
     // False when the frame is not stored; nResult is then what the submission answers.
     bool TakeSoftwareFrame(const VideoFrameDesc &frame, int32_t &nResult);
-    // Drops the old overlay records and asks for new ones. Any thread.
-    void RenewDrawInfo(int32_t nKind);
+    // Drops the old overlay records and asks for new ones. Any thread. True when there were or are some.
+    bool RenewDrawInfo(int32_t nKind);
     int32_t NotifyDrawInfo(int32_t nKind);
     // Back to the state without a frame. Needs m_mutexFrame.
     void ResetFrameState();

@@ -48,7 +48,9 @@ void CLS_ShaderYuv::OnContextLost()
 void CLS_ShaderYuv::resizeGL(int nWidth, int nHeight)
 {
     CLS_ShaderBase::resizeGL(nWidth, nHeight);
-    RenewDrawInfo(m_nDrawInfoKind);
+    if (RenewDrawInfo(m_nDrawInfoKind)) {
+        Q_EMIT signalDrawTextInfo();
+    }
 }
 
 void CLS_ShaderYuv::paintGL()
