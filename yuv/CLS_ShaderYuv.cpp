@@ -226,9 +226,7 @@ void CLS_ShaderYuv::ResetFrameState()
     CLS_ShaderBase::UnInit();
     m_blUnInit = 1;
     // This may be a host thread: the painting thread releases and destroys the old hardware path.
-    if (m_pD3D11EGL != nullptr) {
-        m_vecRetired.push_back(std::move(m_pD3D11EGL));
-    }
+    m_retired.Add(std::move(m_pD3D11EGL));
     m_pD3D11EGL = CLS_D3D11EGL::Create();
     m_rcDrawArea = geometry::NormRect();
     m_rcEZoom = geometry::NormRect();

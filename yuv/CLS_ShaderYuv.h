@@ -3,10 +3,10 @@
 #include "d3d11/CLS_D3D11EGL.h"
 #include "widget/CLS_ShaderBase.h"
 #include "yuv/DrawInfoPainter.h"
+#include "yuv/PictureGl.h"
 
 #include <atomic>
 #include <memory>
-#include <vector>
 
 class QOpenGLShaderProgram;
 class QOpenGLTexture;
@@ -93,7 +93,6 @@ protected:
     uint32_t m_nD3D11FailCount = 0;
 
 private:
-    void BuildProgram(const char *pszVertexShader, const char *pszFragmentShader);
     // False (and logged) when a texture cannot be allocated; those made so far are kept.
     bool CreateTextures(const char *pszFunction, bool blThirdPlane);
     void PrepareQuad(geometry::QuadVertices &afPositions);
@@ -102,9 +101,7 @@ private:
     bool BindPictureProgram();
     // Whether the uploads of the frame size stay inside the frame buffer's allocation.
     bool HoldsWholeFrame() const;
-    void DestroyRetired();
     void OnContextLost();
 
-    // Hardware paths that a host thread has replaced; the painting thread destroys them.
-    std::vector<std::unique_ptr<CLS_D3D11EGL>> m_vecRetired;
+    yuv::RetiredObjects m_retired; // guarded by m_mutexFrame
 };

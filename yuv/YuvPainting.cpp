@@ -2,6 +2,7 @@
 #include "yuv/CLS_ShaderYuv.h"
 
 #include "log/CLS_OmbrixApi.h"
+#include "yuv/PictureGl.h"
 
 #include <QColor>
 #include <QMutexLocker>
@@ -16,12 +17,6 @@ namespace {
 
 constexpr auto kPaintTimeout = std::chrono::milliseconds(500);
 
-void LogGlString(QOpenGLExtraFunctions &gl, const char *pszFormat, GLenum nName)
-{
-    const auto *pszValue = reinterpret_cast<const char *>(gl.glGetString(nName));
-    CLS_OmbrixApi::Instance().inner_sdk_log_msg(pszFormat, pszValue != nullptr ? pszValue : "");
-}
-
 } // namespace
 
 void CLS_ShaderYuv::initializeGL()
@@ -29,10 +24,7 @@ void CLS_ShaderYuv::initializeGL()
     const QMutexLocker locker(&m_mutexFrame);
     initializeOpenGLFunctions();
     connect(context(), &QOpenGLContext::aboutToBeDestroyed, this, [this] { OnContextLost(); });
-    LogGlString(*this, "[CLS_ShaderYuv]GL_VERSION: %s", GL_VERSION);
-    LogGlString(*this, "[CLS_ShaderYuv]GL_VENDOR: %s", GL_VENDOR);
-    LogGlString(*this, "[CLS_ShaderYuv]GL_RENDERER: %s", GL_RENDERER);
-    LogGlString(*this, "[CLS_ShaderYuv]GL_SHADING_LANGUAGE_VERSION: %s", GL_SHADING_LANGUAGE_VERSION);
+    yuv::LogGlStrings(*this, "CLS_ShaderYuv");
 }
 
 void CLS_ShaderYuv::OnContextLost()
@@ -59,7 +51,7 @@ void CLS_ShaderYuv::paintGL()
     if (!lock.owns_lock()) {
         return;
     }
-    DestroyRetired();
+    m_retired.DestroyAll();
     if (m_bTypeChanged) {
         ReleaseGLResource();
         m_bTypeChanged = false;
@@ -187,12 +179,4 @@ void CLS_ShaderYuv::PaintDrawInfo(yuv::DrawInfoPass pass)
     }
     m_painter.Paint(*this, pContext->isOpenGLES(), m_vecDrawInfo, pass, locations,
                     geometry::MapPoints(rect(), m_rcEZoom));
-}
-
-void CLS_ShaderYuv::DestroyRetired()
-{
-    for (const std::unique_ptr<CLS_D3D11EGL> &pRetired : m_vecRetired) {
-        pRetired->ReleaseEGL();
-    }
-    m_vecRetired.clear();
 }

@@ -3,70 +3,24 @@
 #include "yuv/CLS_ShaderYuv.h"
 
 #include "log/CLS_OmbrixApi.h"
+#include "yuv/PictureGl.h"
 #include "yuv/YuvShaderSources.h"
 
 #include <QMatrix4x4>
 #include <QOpenGLShaderProgram>
 #include <QOpenGLTexture>
-#include <new>
-
-namespace {
-
-// Texture row 0 is the picture's top row. One pair for each corner of the quad.
-constexpr GLfloat kTextureCoordinates[8] = {0, 1, 1, 1, 0, 0, 1, 0};
-
-constexpr GLuint kPositionAttribute = 0;
-constexpr GLuint kTextureAttribute = 1;
-
-std::unique_ptr<QOpenGLTexture> NewTexture()
-{
-    try {
-        return std::unique_ptr<QOpenGLTexture>(new (std::nothrow) QOpenGLTexture(QOpenGLTexture::Target2D));
-    } catch (const std::bad_alloc &) {
-        return nullptr;
-    }
-}
-
-// Name of a texture that has just been made.
-GLuint Create(QOpenGLTexture &texture)
-{
-    texture.create();
-    return texture.textureId();
-}
-
-void Destroy(std::unique_ptr<QOpenGLTexture> &pTexture)
-{
-    if (pTexture != nullptr) {
-        pTexture->destroy();
-        pTexture.reset();
-    }
-}
-
-} // namespace
-
-void CLS_ShaderYuv::BuildProgram(const char *pszVertexShader, const char *pszFragmentShader)
-{
-    m_pProgram.reset(); // one picture program at a time
-    m_pProgram = std::make_unique<QOpenGLShaderProgram>();
-    m_pProgram->addShaderFromSourceCode(QOpenGLShader::Vertex, pszVertexShader);
-    m_pProgram->addShaderFromSourceCode(QOpenGLShader::Fragment, pszFragmentShader);
-    m_pProgram->bindAttributeLocation("vertexIn", kPositionAttribute);
-    m_pProgram->bindAttributeLocation("textureIn", kTextureAttribute);
-    m_pProgram->link();
-    m_pProgram->bind();
-}
 
 void CLS_ShaderYuv::InitGLYV12()
 {
-    BuildProgram(yuv::kYv12VertexShader, yuv::kYv12FragmentShader);
+    m_pProgram.reset(); // one picture program at a time
+    m_pProgram = yuv::BuildProgram(yuv::kYv12VertexShader, yuv::kYv12FragmentShader);
     m_nLocTexY = m_pProgram->uniformLocation("tex_y");
     m_nLocTexU = m_pProgram->uniformLocation("tex_u");
     m_nLocTexV = m_pProgram->uniformLocation("tex_v");
     m_nLocDrawFlag = m_pProgram->uniformLocation("u_iDrawFlag");
     m_nLocDrawColor = m_pProgram->uniformLocation("u_vDrawColor");
     m_nLocDrawAlpha = m_pProgram->uniformLocation("u_fDrawAlpha");
-    glVertexAttribPointer(kTextureAttribute, 2, GL_FLOAT, GL_FALSE, 0, kTextureCoordinates);
-    glEnableVertexAttribArray(kTextureAttribute);
+    yuv::UseTextureCoordinates(*this);
     if (CreateTextures("CLS_ShaderYuv::InitGLYV12", true)) {
         glClearColor(0, 0, 0, 0);
     }
@@ -74,14 +28,14 @@ void CLS_ShaderYuv::InitGLYV12()
 
 void CLS_ShaderYuv::InitGLNV12()
 {
-    BuildProgram(yuv::kNv12VertexShader, yuv::kNv12FragmentShader);
+    m_pProgram.reset();
+    m_pProgram = yuv::BuildProgram(yuv::kNv12VertexShader, yuv::kNv12FragmentShader);
     m_nLocDrawFlag = m_pProgram->uniformLocation("u_iDrawFlag");
     m_nLocDrawColor = m_pProgram->uniformLocation("u_vDrawColor");
     m_nLocDrawAlpha = m_pProgram->uniformLocation("u_fDrawAlpha");
     m_nLocTexY = m_pProgram->uniformLocation("tex_y");
     m_nLocTexU = m_pProgram->uniformLocation("tex_u");
-    glVertexAttribPointer(kTextureAttribute, 2, GL_FLOAT, GL_FALSE, 0, kTextureCoordinates);
-    glEnableVertexAttribArray(kTextureAttribute);
+    yuv::UseTextureCoordinates(*this);
     if (CreateTextures("CLS_ShaderYuv::InitGLNV12", false)) {
         glClearColor(0, 0, 0, 0);
     }
@@ -92,17 +46,17 @@ bool CLS_ShaderYuv::CreateTextures(const char *pszFunction, bool blThirdPlane)
     m_nTexIdY = 0;
     m_nTexIdU = 0;
     m_nTexIdV = 0;
-    m_pTexY = NewTexture();
-    m_pTexU = m_pTexY != nullptr ? NewTexture() : nullptr;
-    m_pTexV = m_pTexU != nullptr && blThirdPlane ? NewTexture() : nullptr;
+    m_pTexY = yuv::NewTexture();
+    m_pTexU = m_pTexY != nullptr ? yuv::NewTexture() : nullptr;
+    m_pTexV = m_pTexU != nullptr && blThirdPlane ? yuv::NewTexture() : nullptr;
     if (m_pTexU == nullptr || (blThirdPlane && m_pTexV == nullptr)) {
         XELT_REPORT_ERROR("CLS_ShaderYuv", pszFunction, "new QOpenGLTexture faild,can not malloc memory!");
         return false;
     }
-    m_nTexIdY = Create(*m_pTexY);
-    m_nTexIdU = Create(*m_pTexU);
+    m_nTexIdY = yuv::CreateTexture(*m_pTexY);
+    m_nTexIdU = yuv::CreateTexture(*m_pTexU);
     if (blThirdPlane) {
-        m_nTexIdV = Create(*m_pTexV);
+        m_nTexIdV = yuv::CreateTexture(*m_pTexV);
     }
     return true;
 }
@@ -111,8 +65,7 @@ void CLS_ShaderYuv::PrepareQuad(geometry::QuadVertices &afPositions)
 {
     m_pProgram->bind();
     ComputeQuadVertices(afPositions);
-    glVertexAttribPointer(kPositionAttribute, 2, GL_FLOAT, GL_FALSE, 0, afPositions);
-    glEnableVertexAttribArray(kPositionAttribute);
+    yuv::UsePositions(*this, afPositions);
 }
 
 void CLS_ShaderYuv::UploadPlane(uint32_t nUnit, uint32_t nTexture, uint32_t nFormat, int32_t nWidth,
@@ -122,10 +75,7 @@ void CLS_ShaderYuv::UploadPlane(uint32_t nUnit, uint32_t nTexture, uint32_t nFor
     glBindTexture(GL_TEXTURE_2D, nTexture);
     glTexImage2D(GL_TEXTURE_2D, 0, static_cast<GLint>(nFormat), nWidth, nHeight, 0, nFormat, GL_UNSIGNED_BYTE,
                  pPixels);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
+    yuv::SetPlaneSampling(*this);
 }
 
 // A host may have declared fewer bytes than its picture has; such a frame is not drawn.
@@ -203,11 +153,11 @@ void CLS_ShaderYuv::SetMatrix()
 
 void CLS_ShaderYuv::ReleaseGLResource()
 {
-    Destroy(m_pTexY);
-    Destroy(m_pTexU);
-    Destroy(m_pTexV);
+    yuv::DestroyTexture(m_pTexY);
+    yuv::DestroyTexture(m_pTexU);
+    yuv::DestroyTexture(m_pTexV);
     m_pProgram.reset();
-    DestroyRetired();
+    m_retired.DestroyAll();
     if (m_pD3D11EGL != nullptr) {
         m_pD3D11EGL->ReleaseEGL();
     }
