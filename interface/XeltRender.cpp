@@ -6,6 +6,7 @@
 #include "log/CLS_OmbrixApi.h"
 #include "platform/Compiler.h"
 #include "yuv/CLS_ShaderYuv.h"
+#include "yuv/CLS_ShaderYuvSubImage.h"
 
 #include <QApplication>
 #include <QMutex>
@@ -64,6 +65,8 @@ std::unique_ptr<CLS_ShaderBase> NewRenderer(int32_t nType)
     case 5:
     case 6:
         return std::unique_ptr<CLS_ShaderBase>(new (std::nothrow) CLS_ShaderYuv);
+    case 7:
+        return std::unique_ptr<CLS_ShaderBase>(new (std::nothrow) CLS_ShaderYuvSubImage);
     default:
         return nullptr;
     }

@@ -3,7 +3,8 @@
 #include <QEvent>
 #include <QLabel>
 #include <QLayout>
-#include <QMutexLocker>
+#include <QOpenGLContext>
+#include <QThread>
 #include <cstdlib>
 #include <limits>
 
@@ -85,6 +86,21 @@ void CLS_ShaderBase::FreeFrameBuffer()
     m_pPlaneY = nullptr;
     m_pPlaneUV = nullptr;
     m_nFrameBufferBytes = 0;
+}
+
+bool CLS_ShaderBase::HoldsWholeFrame() const
+{
+    const auto nPixels = static_cast<uint64_t>(m_nVideoWidth) * static_cast<uint64_t>(m_nVideoHeight);
+    return m_nFrameBufferBytes >= nPixels * 3 / 2;
+}
+
+bool CLS_ShaderBase::IsContextCurrent() const
+{
+    if (QThread::currentThread() != thread()) {
+        return false;
+    }
+    const QOpenGLContext *pContext = QOpenGLContext::currentContext();
+    return pContext != nullptr && pContext == context();
 }
 
 void CLS_ShaderBase::BeginDestruction()

@@ -9,6 +9,8 @@
 #include <QPointer>
 #include <QRect>
 #include <QVector>
+#include <array>
+#include <atomic>
 
 class QLabel;
 class QLayout;
@@ -23,7 +25,7 @@ class CLS_ShaderBase : public QOpenGLWidget, protected QOpenGLExtraFunctions
     Q_OBJECT
 
 public:
-    static constexpr int kLabelCount = 48;
+    static constexpr size_t kLabelCount = 48;
 
     explicit CLS_ShaderBase(QWidget *pParent);
     ~CLS_ShaderBase() override;
@@ -63,12 +65,16 @@ protected:
 
     // Rebuilds the labels from the text records. GUI thread.
     void AddLabel();
+    // The same from inside a paint, where a label parent must not be painted at once.
+    void AddLabelWhilePainting();
     // Blanks every label. GUI thread.
     void ClearLabels();
     void ComputeQuadVertices(geometry::QuadVertices &afOut) const;
-    // Asks the host for overlay records, which it delivers before this returns. Any thread. The host's
-    // result, or 0 without a callback.
-    int32_t RequestDrawInfo(int32_t nKind);
+    // Asks the host for overlay records, which it delivers before this returns, and keeps the kind it was
+    // asked for. The host's result, or 0 without a callback, when the kind is not kept. Any thread.
+    int32_t NotifyDrawInfo(int32_t nKind, int32_t &nKeptKind);
+    // Drops the old overlay records and asks for new ones. True when there were or are some. Any thread.
+    bool RenewDrawInfo(int32_t nKind, int32_t &nKeptKind);
     // Whether any overlay record is held.
     bool HasDrawInfo();
     // Needs m_mutexFrame.
@@ -78,6 +84,11 @@ protected:
 
     // Bytes of m_pFrameBuffer that frames are copied into.
     size_t FrameBufferBytes() const { return m_nFrameBufferBytes; }
+    // Whether the frame buffer has room for a picture of the frame size. A host may have declared fewer
+    // bytes; such a frame must not be uploaded. Needs m_mutexFrame.
+    bool HoldsWholeFrame() const;
+    // Whether this is the GUI thread with the widget's own context current. Any thread.
+    bool IsContextCurrent() const;
 
     QMutex m_mutexFrame;
     QMutex m_mutexDrawInfo; // guards m_vecDrawInfo and the labels
@@ -87,7 +98,7 @@ protected:
     uint8_t *m_pPlaneY = nullptr;  // NV12: into m_pFrameBuffer
     uint8_t *m_pPlaneUV = nullptr; // NV12: into m_pFrameBuffer
     bool m_bTypeChanged = false;
-    int32_t m_nDisplayType = 0;
+    std::atomic<int32_t> m_nDisplayType{0}; // the sub-image renderer looks at it without a lock
     bool m_blGLReady = false;
     int32_t m_nFrameBufferSize = 0; // as asked for
     uint64_t m_hWinId = 0;
@@ -127,14 +138,21 @@ private:
     static int32_t ReceiveDrawInfo(const void *pRecord, int32_t nLength, void *pObject);
     int32_t AppendDrawInfo(const void *pRecord, size_t nLength);
 
-    // Fills the label slots from the text records and returns how many these use up. GUI thread.
-    int ShowLabels();
+    struct LabelRebuild
+    {
+        bool blShown = false;   // some text record stands in the list
+        bool blChanged = false; // some label is not what it was
+    };
+    // Brings the label slots up to date with the text records. GUI thread.
+    LabelRebuild ShowLabels();
+    // GUI thread. True when the slot's label changed; ShowLabel needs m_mutexDrawInfo for the record.
+    bool ShowLabel(size_t nSlot, XeltDrawInfo &record);
+    bool BlankLabel(size_t nSlot);
     QLabel *CreateLabel();
-    // Shows a record in slot nSlot. Needs m_mutexDrawInfo.
-    void ShowLabel(int nSlot, XeltDrawInfo &record);
 
     DestroyHook m_pfnDestroyHook = nullptr;
     QMetaObject::Connection m_labelParentDestroyed;
+    std::array<XeltDrawInfo, kLabelCount> m_aLabelRecords{}; // what each label shows
     // The allocation is longer than this where an upload reads rows past their end.
     size_t m_nFrameBufferBytes = 0;
 };

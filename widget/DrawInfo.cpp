@@ -38,12 +38,21 @@ bool CLS_ShaderBase::HasDrawInfo()
     return !m_vecDrawInfo.isEmpty();
 }
 
-int32_t CLS_ShaderBase::RequestDrawInfo(int32_t nKind)
+bool CLS_ShaderBase::RenewDrawInfo(int32_t nKind, int32_t &nKeptKind)
+{
+    const bool blHadDrawInfo = HasDrawInfo();
+    ClearDrawInfo();
+    NotifyDrawInfo(nKind, nKeptKind);
+    return blHadDrawInfo || HasDrawInfo();
+}
+
+int32_t CLS_ShaderBase::NotifyDrawInfo(int32_t nKind, int32_t &nKeptKind)
 {
     const XeltDrawInfoCallback pfnDrawInfo = m_pfnDrawInfo;
     if (pfnDrawInfo == nullptr) {
         return 0;
     }
+    nKeptKind = nKind;
     XeltDrawInfoRequest request = MakeRequest(nKind, rect(), m_rcDrawArea);
     request.pfnReceiver = &CLS_ShaderBase::ReceiveDrawInfo;
     request.pObject = this;

@@ -8,6 +8,7 @@
 #include <QTextCodec>
 #include <QTextDocument>
 #include <algorithm>
+#include <bitset>
 #include <cstring>
 
 namespace {
@@ -39,6 +40,17 @@ bool Decode(const XeltDrawInfo &record, QString &strText)
     return true;
 }
 
+int32_t Saturated(int64_t nValue)
+{
+    return geometry::TruncateToInt(static_cast<double>(nValue));
+}
+
+// A coordinate that Qt can place a widget at; anything beyond is far outside every screen.
+int Placeable(int64_t nValue)
+{
+    return static_cast<int>(std::clamp<int64_t>(nValue, -QWIDGETSIZE_MAX, QWIDGETSIZE_MAX));
+}
+
 QString StyleSheetFor(uint32_t nColor)
 {
     return QStringLiteral("color: rgb(%1, %2, %3);background-color: rgb(0, 0, 0);")
@@ -47,70 +59,106 @@ QString StyleSheetFor(uint32_t nColor)
         .arg((nColor >> 16) & 0xFFu);
 }
 
+void ApplyRecord(QLabel &label, const XeltDrawInfo &record)
+{
+    label.setStyleSheet(StyleSheetFor(record.nColor));
+    QFont font;
+    font.setPointSize(record.nSize >= 1 ? record.nSize : kDefaultFontSize);
+    label.setFont(font);
+    const XeltPoint &topLeft = record.aPoints[0];
+    const XeltPoint &bottomRight = record.aPoints[1];
+    label.setGeometry(Placeable(topLeft.x), Placeable(int64_t{topLeft.y} - kLabelMargin),
+                      Placeable(int64_t{bottomRight.x} - topLeft.x),
+                      Placeable(int64_t{bottomRight.y} - topLeft.y + 2 * kLabelMargin));
+    QString strText;
+    if (!Decode(record, strText)) {
+        label.clear();
+        return;
+    }
+    // Markup could name files and addresses; a host's text opens neither.
+    label.setTextFormat(Qt::mightBeRichText(strText) ? Qt::PlainText : Qt::AutoText);
+    label.setText(strText);
+}
+
 } // namespace
 
 void CLS_ShaderBase::AddLabel()
 {
-    const int nSlots = ShowLabels();
-    const bool blShown = nSlots != 0;
+    const LabelRebuild rebuild = ShowLabels();
     // The repaint may reach this widget's own painting, which takes the mutex that ShowLabels has released.
-    if (m_pLabelParent != nullptr && (m_blLabelsShown != blShown || blShown)) {
+    if (m_pLabelParent != nullptr && (m_blLabelsShown || rebuild.blShown)) {
         m_pLabelParent->repaint();
     }
-    m_blLabelsShown = blShown;
+    m_blLabelsShown = rebuild.blShown;
 }
 
-int CLS_ShaderBase::ShowLabels()
+void CLS_ShaderBase::AddLabelWhilePainting()
+{
+    const LabelRebuild rebuild = ShowLabels();
+    // A label parent above this widget is being painted now, and painting it again leads back here: it is
+    // told later, and only of something new.
+    if (m_pLabelParent != nullptr && rebuild.blChanged) {
+        m_pLabelParent->update();
+    }
+    m_blLabelsShown = rebuild.blShown;
+}
+
+CLS_ShaderBase::LabelRebuild CLS_ShaderBase::ShowLabels()
 {
     const QMutexLocker locker(&m_mutexDrawInfo);
-    ClearLabels();
-    int nSlot = 0;
+    LabelRebuild rebuild;
+    std::bitset<kLabelCount> used;
+    size_t nSlot = 0;
     for (int i = m_vecDrawInfo.size() - 1; i >= 0; --i) {
         const XeltDrawInfo &record = qAsConst(m_vecDrawInfo)[i];
         if (record.nType != DRAWINFO_TEXT || record.aText[0] == '\0') {
             continue;
         }
+        rebuild.blShown = true;
         // A record that cannot be shown uses up its slot all the same.
         if (nSlot < kLabelCount && record.nPointNum >= 2) {
-            ShowLabel(nSlot, m_vecDrawInfo[i]);
+            used.set(nSlot);
+            rebuild.blChanged |= ShowLabel(nSlot, m_vecDrawInfo[i]);
         }
         ++nSlot;
     }
-    return nSlot;
+    for (nSlot = 0; nSlot < kLabelCount; ++nSlot) {
+        rebuild.blChanged |= !used.test(nSlot) && BlankLabel(nSlot);
+    }
+    return rebuild;
 }
 
-void CLS_ShaderBase::ShowLabel(int nSlot, XeltDrawInfo &record)
+bool CLS_ShaderBase::ShowLabel(size_t nSlot, XeltDrawInfo &record)
 {
-    if (m_pLabels[nSlot].isNull()) {
-        m_pLabels[nSlot] = CreateLabel();
-    }
-    QLabel *pLabel = m_pLabels[nSlot];
-    const XeltPoint &topLeft = record.aPoints[0];
-    XeltPoint &bottomRight = record.aPoints[1];
-    if (topLeft.y < 0) {
+    if (record.aPoints[0].y < 0) {
         // The stored record changes too, so that a later rebuild does not move the box again.
-        bottomRight.y = geometry::TruncateToInt(static_cast<double>(bottomRight.y) - topLeft.y);
+        record.aPoints[1].y = Saturated(int64_t{record.aPoints[1].y} - record.aPoints[0].y);
         record.aPoints[0].y = 0;
     }
-    int nFontSize = record.nSize;
-    if (nFontSize < 1) {
-        nFontSize = kDefaultFontSize;
+    if (record.nSize < 1) {
         qDebug("CLS_ShaderBase::AddLabel Error:iFontSize <= 0");
     }
-    pLabel->setStyleSheet(StyleSheetFor(record.nColor));
-    QFont font;
-    font.setPointSize(nFontSize);
-    pLabel->setFont(font);
-    const auto toInt = [](int64_t n) { return geometry::TruncateToInt(static_cast<double>(n)); };
-    pLabel->setGeometry(topLeft.x, toInt(int64_t{topLeft.y} - kLabelMargin),
-                        toInt(int64_t{bottomRight.x} - topLeft.x),
-                        toInt(int64_t{bottomRight.y} - topLeft.y + 2 * kLabelMargin));
-    QString strText;
-    if (Decode(record, strText)) {
-        // Markup could name files and addresses; a host's text opens neither.
-        pLabel->setTextFormat(Qt::mightBeRichText(strText) ? Qt::PlainText : Qt::AutoText);
-        pLabel->setText(strText);
+    XeltDrawInfo &shown = m_aLabelRecords[nSlot];
+    QPointer<QLabel> &pLabel = m_pLabels[nSlot];
+    if (!pLabel.isNull() && std::memcmp(&shown, &record, sizeof(record)) == 0) {
+        return false; // nothing new: setting it again would cost a layout
     }
+    shown = record;
+    if (pLabel.isNull()) {
+        pLabel = CreateLabel();
+    }
+    ApplyRecord(*pLabel, record);
+    return true;
+}
+
+bool CLS_ShaderBase::BlankLabel(size_t nSlot)
+{
+    const bool blHadText = m_aLabelRecords[nSlot].nType == DRAWINFO_TEXT;
+    m_aLabelRecords[nSlot] = XeltDrawInfo();
+    if (!m_pLabels[nSlot].isNull()) {
+        m_pLabels[nSlot]->clear();
+    }
+    return blHadText;
 }
 
 QLabel *CLS_ShaderBase::CreateLabel()
@@ -129,17 +177,16 @@ QLabel *CLS_ShaderBase::CreateLabel()
 
 void CLS_ShaderBase::ClearLabels()
 {
-    for (const QPointer<QLabel> &pLabel : m_pLabels) {
-        if (!pLabel.isNull()) {
-            pLabel->clear();
-        }
+    for (size_t nSlot = 0; nSlot < kLabelCount; ++nSlot) {
+        BlankLabel(nSlot);
     }
 }
 
 void CLS_ShaderBase::DeleteLabels()
 {
-    for (QPointer<QLabel> &pLabel : m_pLabels) {
-        delete pLabel;
-        pLabel.clear();
+    for (size_t nSlot = 0; nSlot < kLabelCount; ++nSlot) {
+        delete m_pLabels[nSlot];
+        m_pLabels[nSlot].clear();
+        m_aLabelRecords[nSlot] = XeltDrawInfo();
     }
 }

@@ -2,6 +2,7 @@
 #include "yuv/CLS_ShaderYuv.h"
 
 #include "log/CLS_OmbrixApi.h"
+#include "yuv/HardwarePath.h"
 #include "yuv/PlaneCopy.h"
 
 #include <QMutexLocker>
@@ -22,9 +23,11 @@ CLS_ShaderYuv::CLS_ShaderYuv() : CLS_ShaderBase(nullptr), m_pD3D11EGL(CLS_D3D11E
 CLS_ShaderYuv::~CLS_ShaderYuv()
 {
     BeginDestruction();
-    // QObject emits destroyed() when this part of the object is gone already.
-    disconnect(this, &QObject::destroyed, this, nullptr);
+    // QObject emits destroyed() when this part of the object is gone already. Only this one: a host's
+    // functors without a context object are connected with this widget as their receiver too.
+    disconnect(this, &QObject::destroyed, this, &CLS_ShaderYuv::onDestroyed);
     onDestroyed(this);
+    DeleteLabels(); // those on a host's widget would outlive the pane
     makeCurrent();
     if (context() != nullptr) {
         disconnect(context(), &QOpenGLContext::aboutToBeDestroyed, this, nullptr);
@@ -96,14 +99,16 @@ int32_t CLS_ShaderYuv::TakeFrame(const VideoFrameDesc &frame, const void *pData,
         TakeDisplayType(frame.nDisplayType);
     }
     if (frame.nDisplayType == VIDEO_DISPLAY_DXGL) {
-        TakeD3D11Frame(frame, pData, nLength);
+        m_nVideoWidth = frame.iWidth;
+        m_nVideoHeight = frame.iHeight;
+        yuv::HandOverFrame(m_pD3D11EGL.get(), m_pD3D11Device, pData, nLength);
     } else {
         int32_t nResult = -1;
         if (!TakeSoftwareFrame(frame, nResult)) {
             return nResult;
         }
     }
-    blDrawInfoChanged = RenewDrawInfo(frame.nDrawInfoKind);
+    blDrawInfoChanged = RenewDrawInfo(frame.nDrawInfoKind, m_nDrawInfoKind);
     Q_EMIT signalUpdate();
     return m_nDisplayType == VIDEO_DISPLAY_DXGL && m_nD3D11FailCount != 0 ? -1 : 0;
 }
@@ -130,19 +135,6 @@ void CLS_ShaderYuv::TakeDisplayType(int32_t nDisplayType)
     m_nDisplayType = nDisplayType == 4 ? VIDEO_DISPLAY_VAGL : nDisplayType;
 }
 
-void CLS_ShaderYuv::TakeD3D11Frame(const VideoFrameDesc &frame, const void *pData, int32_t nLength)
-{
-    m_nVideoWidth = frame.iWidth;
-    m_nVideoHeight = frame.iHeight;
-    if (m_pD3D11EGL == nullptr) {
-        return;
-    }
-    if (m_pD3D11EGL->Device() != m_pD3D11Device) {
-        m_pD3D11EGL->SetDevice(m_pD3D11Device);
-    }
-    m_pD3D11EGL->SetFrame(pData, nLength);
-}
-
 bool CLS_ShaderYuv::TakeSoftwareFrame(const VideoFrameDesc &frame, int32_t &nResult)
 {
     nResult = -1;
@@ -160,33 +152,9 @@ bool CLS_ShaderYuv::TakeSoftwareFrame(const VideoFrameDesc &frame, int32_t &nRes
                           frame.iHeight);
         return false;
     }
-    const yuv::FrameTarget target = {m_pFrameBuffer, FrameBufferBytes(), m_nVideoWidth, m_nVideoHeight};
-    if (frame.nDisplayType == VIDEO_DISPLAY_NV12) {
-        m_pPlaneY = m_pFrameBuffer;
-        m_pPlaneUV = target.lumaBytes() <= target.nBytes ? m_pFrameBuffer + target.lumaBytes() : nullptr;
-        yuv::CopyNv12(frame, target);
-        m_bExplicitLength = false;
-    } else {
-        yuv::CopyPlanar(frame, target, m_bExplicitLength);
-    }
+    yuv::StoreFrame(frame, {m_pFrameBuffer, FrameBufferBytes(), m_nVideoWidth, m_nVideoHeight},
+                    {m_pPlaneY, m_pPlaneUV, m_bExplicitLength});
     return true;
-}
-
-bool CLS_ShaderYuv::RenewDrawInfo(int32_t nKind)
-{
-    const bool blHadDrawInfo = HasDrawInfo();
-    ClearDrawInfo();
-    NotifyDrawInfo(nKind);
-    return blHadDrawInfo || HasDrawInfo();
-}
-
-int32_t CLS_ShaderYuv::NotifyDrawInfo(int32_t nKind)
-{
-    if (m_pfnDrawInfo == nullptr) {
-        return 0;
-    }
-    m_nDrawInfoKind = nKind;
-    return RequestDrawInfo(nKind);
 }
 
 void CLS_ShaderYuv::ClearDraw()

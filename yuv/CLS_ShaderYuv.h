@@ -46,12 +46,8 @@ protected:
                       bool &blDrawInfoChanged);
     // The steps of it: host thread, m_mutexFrame held.
     void TakeDisplayType(int32_t nDisplayType);
-    void TakeD3D11Frame(const VideoFrameDesc &frame, const void *pData, int32_t nLength);
     // False when the frame is not stored; nResult is then what the submission answers.
     bool TakeSoftwareFrame(const VideoFrameDesc &frame, int32_t &nResult);
-    // Drops the old overlay records and asks for new ones. Any thread. True when there were or are some.
-    bool RenewDrawInfo(int32_t nKind);
-    int32_t NotifyDrawInfo(int32_t nKind);
     // Back to the state without a frame. Needs m_mutexFrame.
     void ResetFrameState();
 
@@ -99,8 +95,6 @@ private:
     void UploadPlane(uint32_t nUnit, uint32_t nTexture, uint32_t nFormat, int32_t nWidth, int32_t nHeight,
                      const uint8_t *pPixels);
     bool BindPictureProgram();
-    // Whether the uploads of the frame size stay inside the frame buffer's allocation.
-    bool HoldsWholeFrame() const;
     void OnContextLost();
 
     yuv::RetiredObjects m_retired; // guarded by m_mutexFrame

@@ -20,7 +20,7 @@ bool IsClosed(const XeltDrawInfo &record)
 bool BelongsTo(const XeltDrawInfo &record, DrawInfoPass pass)
 {
     const bool blBlended = record.nType == DRAWINFO_FILLED_AREA && record.fOpacity != 0.0f;
-    return blBlended == (pass == DrawInfoPass::OverPicture);
+    return pass == DrawInfoPass::AllOpaque || blBlended == (pass == DrawInfoPass::OverPicture);
 }
 
 // A byte's colour component. The scale is deliberate: below 126 it is negative, which clamps to 0, and 252 is

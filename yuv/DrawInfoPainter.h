@@ -15,6 +15,7 @@ namespace yuv {
 enum class DrawInfoPass {
     BeforePicture = 0, // opaque, with the depth test on
     OverPicture = 1,   // blended
+    AllOpaque,         // every record at once, for a renderer with one pass
 };
 
 struct DrawInfoLocations

@@ -29,8 +29,6 @@ void CopyRows(const FrameTarget &target, size_t nOffset, const uint8_t *pSource,
     }
 }
 
-} // namespace
-
 void CopyNv12(const VideoFrameDesc &frame, const FrameTarget &target)
 {
     const bool blPlanes = frame.pPlaneY != nullptr && frame.pPlaneUV != nullptr;
@@ -63,6 +61,21 @@ void CopyPlanar(const VideoFrameDesc &frame, const FrameTarget &target, bool &bl
     blExplicitLength = frame.nDataLen > 0;
     const size_t nCount = blExplicitLength ? static_cast<size_t>(frame.nDataLen) : target.lumaBytes() * 3 / 2;
     CopyBytes(target, 0, frame.pFrameData, nCount);
+}
+
+} // namespace
+
+void StoreFrame(const VideoFrameDesc &frame, const FrameTarget &target, const StoredFrame &stored)
+{
+    if (frame.nDisplayType != VIDEO_DISPLAY_NV12) {
+        CopyPlanar(frame, target, stored.blExplicitLength);
+        return;
+    }
+    const size_t nLuma = target.lumaBytes();
+    stored.pPlaneY = target.pBytes;
+    stored.pPlaneUV = nLuma <= target.nBytes ? target.pBytes + nLuma : nullptr;
+    stored.blExplicitLength = false;
+    CopyNv12(frame, target);
 }
 
 } // namespace yuv

@@ -20,11 +20,16 @@ struct FrameTarget
     size_t lumaBytes() const { return static_cast<size_t>(nWidth) * static_cast<size_t>(nHeight); }
 };
 
-// Luma and interleaved chroma; rows of a padded source are packed.
-void CopyNv12(const VideoFrameDesc &frame, const FrameTarget &target);
+// What a renderer remembers of the frame in its buffer.
+struct StoredFrame
+{
+    uint8_t *&pPlaneY;      // NV12: start of the luma in the buffer; other types leave it alone
+    uint8_t *&pPlaneUV;     // NV12: start of the chroma, null when the buffer is too short for any
+    bool &blExplicitLength; // whether nDataLen gave the length; a frame without pixels leaves it alone
+};
 
-// Planes one after another. Without pFrameData nothing is copied and blExplicitLength keeps its value, which
-// otherwise says whether nDataLen gave the length.
-void CopyPlanar(const VideoFrameDesc &frame, const FrameTarget &target, bool &blExplicitLength);
+// NV12: luma and interleaved chroma, rows of a padded source packed. Every other type: planes one after
+// another, nDataLen bytes of them when that is positive. A frame without pixels copies nothing.
+void StoreFrame(const VideoFrameDesc &frame, const FrameTarget &target, const StoredFrame &stored);
 
 } // namespace yuv

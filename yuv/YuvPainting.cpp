@@ -2,14 +2,13 @@
 #include "yuv/CLS_ShaderYuv.h"
 
 #include "log/CLS_OmbrixApi.h"
+#include "yuv/HardwarePath.h"
 #include "yuv/PictureGl.h"
 
 #include <QColor>
 #include <QMutexLocker>
 #include <QOpenGLContext>
 #include <QOpenGLShaderProgram>
-#include <QScreen>
-#include <QThread>
 #include <chrono>
 #include <mutex>
 
@@ -40,7 +39,7 @@ void CLS_ShaderYuv::OnContextLost()
 void CLS_ShaderYuv::resizeGL(int nWidth, int nHeight)
 {
     CLS_ShaderBase::resizeGL(nWidth, nHeight);
-    if (RenewDrawInfo(m_nDrawInfoKind)) {
+    if (RenewDrawInfo(m_nDrawInfoKind, m_nDrawInfoKind)) {
         Q_EMIT signalDrawTextInfo();
     }
 }
@@ -139,13 +138,8 @@ void CLS_ShaderYuv::DrawD3D11()
         return;
     }
     m_pD3D11EGL->SetAreas(m_rcDrawArea, m_rcEZoom);
-    const QScreen *pScreen = screen();
-    const double dRatio = pScreen != nullptr ? pScreen->devicePixelRatio() : 1.0;
-    QRect rcDevice = rect();
-    rcDevice.setSize(QSize(geometry::TruncateToInt(rcDevice.width() * dRatio),
-                           geometry::TruncateToInt(rcDevice.height() * dRatio)));
     m_pD3D11EGL->SetRotation(m_nVideoRotateDirection, m_nVideoRotateAngle, mirrorType);
-    if (m_pD3D11EGL->Render(rcDevice) != 0) {
+    if (m_pD3D11EGL->Render(yuv::DeviceRect(*this)) != 0) {
         ++m_nD3D11FailCount;
     } else {
         m_nD3D11FailCount = 0;
@@ -162,8 +156,7 @@ bool CLS_ShaderYuv::BindPictureProgram()
 
 void CLS_ShaderYuv::PaintDrawInfo(yuv::DrawInfoPass pass)
 {
-    const QOpenGLContext *pContext = QOpenGLContext::currentContext();
-    if (QThread::currentThread() != thread() || pContext == nullptr || pContext != context()) {
+    if (!IsContextCurrent()) {
         return;
     }
     const QMutexLocker locker(&m_mutexDrawInfo);
@@ -177,6 +170,6 @@ void CLS_ShaderYuv::PaintDrawInfo(yuv::DrawInfoPass pass)
     } else {
         SetMatrix(); // shapes turn with the picture from its first paint on
     }
-    m_painter.Paint(*this, pContext->isOpenGLES(), m_vecDrawInfo, pass, locations,
+    m_painter.Paint(*this, context()->isOpenGLES(), m_vecDrawInfo, pass, locations,
                     geometry::MapPoints(rect(), m_rcEZoom));
 }

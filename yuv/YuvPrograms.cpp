@@ -78,14 +78,6 @@ void CLS_ShaderYuv::UploadPlane(uint32_t nUnit, uint32_t nTexture, uint32_t nFor
     yuv::SetPlaneSampling(*this);
 }
 
-// A host may have declared fewer bytes than its picture has; such a frame is not drawn.
-bool CLS_ShaderYuv::HoldsWholeFrame() const
-{
-    const auto nWidth = static_cast<uint64_t>(m_nVideoWidth);
-    const auto nHeight = static_cast<uint64_t>(m_nVideoHeight);
-    return FrameBufferBytes() >= nWidth * nHeight * 3 / 2;
-}
-
 void CLS_ShaderYuv::DrawYV12()
 {
     if (m_pFrameBuffer == nullptr || m_nTexIdV == 0 || !HoldsWholeFrame()) {

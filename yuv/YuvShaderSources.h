@@ -72,6 +72,25 @@ constexpr char kNv12FragmentShader[] =
     "   } \n"
     "}\n";
 
+// The vertex stages of the renderer without a matrix.
+constexpr char kYv12PlainVertexShader[] =
+    "attribute vec4 vertexIn;                        "
+    "attribute vec2 textureIn;                        "
+    "varying vec2 textureOut;                         "
+    "void main(void)                                  "
+    "{                                                     "
+    "gl_Position = vertexIn;                             "
+    "textureOut = textureIn;                        }";
+
+constexpr char kNv12PlainVertexShader[] =
+    "attribute vec4 vertexIn;\n"
+    "attribute vec4 textureIn;\n"
+    "varying vec4 textureOut;\n"
+    "void main(void) {\n"
+    "   gl_Position = vertexIn;\n"
+    "   textureOut = textureIn;\n"
+    "}";
+
 // clang-format on
 
 static_assert(sizeof(kYv12VertexShader) - 1 == 405);

@@ -1,0 +1,166 @@
+// Life cycle and submission of CLS_ShaderYuvSubImage. Painting is in SubImagePainting.cpp.
+#include "yuv/CLS_ShaderYuvSubImage.h"
+
+#include "log/CLS_OmbrixApi.h"
+#include "yuv/HardwarePath.h"
+#include "yuv/PlaneCopy.h"
+
+#include <QMutexLocker>
+#include <QOpenGLContext>
+#include <QOpenGLShaderProgram>
+#include <QOpenGLTexture>
+#include <algorithm>
+#include <cstring>
+
+CLS_ShaderYuvSubImage::CLS_ShaderYuvSubImage() : CLS_ShaderBase(nullptr)
+{
+    m_nDisplayType = -1;
+    connect(this, &QObject::destroyed, this, &CLS_ShaderYuvSubImage::onDestroyed);
+    connect(this, &CLS_ShaderYuvSubImage::signalUpdate, this, [this] { update(); });
+    XELT_LOG("CreateShader CLS_ShaderYuvSubImage.");
+}
+
+CLS_ShaderYuvSubImage::~CLS_ShaderYuvSubImage()
+{
+    BeginDestruction();
+    // QObject emits destroyed() when this part of the object is gone already. Only this one: a host's
+    // functors without a context object are connected with this widget as their receiver too.
+    disconnect(this, &QObject::destroyed, this, &CLS_ShaderYuvSubImage::onDestroyed);
+    onDestroyed(this);
+    DeleteLabels(); // those on a host's widget would outlive the pane
+    makeCurrent();
+    if (context() != nullptr) {
+        disconnect(context(), &QOpenGLContext::aboutToBeDestroyed, this, nullptr);
+    }
+    UnInit();
+    m_retired.DestroyAll();
+    m_pD3D11EGL.reset();
+    doneCurrent();
+}
+
+void CLS_ShaderYuvSubImage::onDestroyed(QObject *obj)
+{
+    if (obj == this) {
+        m_bDestroyed = true;
+    }
+}
+
+int32_t CLS_ShaderYuvSubImage::SetParam(uint32_t nCommand, const void *pPayload, int32_t nLength)
+{
+    const int32_t nResult = CLS_ShaderBase::SetParam(nCommand, pPayload, nLength);
+    if (nCommand == XELTCMD_SET_EZOOM_AREA) {
+        Q_EMIT signalUpdate();
+    }
+    return nResult;
+}
+
+int32_t CLS_ShaderYuvSubImage::ShowYuvFrame(const void *pData, int32_t nLength)
+{
+    if (m_bDestroyed || pData == nullptr || nLength < 1) {
+        return -1;
+    }
+    VideoFrameDesc frame = {};
+    std::memcpy(&frame, pData, std::min(static_cast<size_t>(nLength), sizeof(frame)));
+    return TakeFrame(frame, pData, nLength);
+}
+
+int32_t CLS_ShaderYuvSubImage::TakeFrame(const VideoFrameDesc &frame, const void *pData, int32_t nLength)
+{
+    const QMutexLocker locker(&m_mutexFrame);
+    if (frame.nDisplayType != m_nDisplayType) {
+        TakeDisplayType(frame.nDisplayType);
+    }
+    if (frame.nDisplayType == VIDEO_DISPLAY_DXGL) {
+        yuv::HandOverFrame(m_pD3D11EGL.get(), m_pD3D11Device, pData, nLength);
+    } else {
+        int32_t nResult = -1;
+        if (!TakeSoftwareFrame(frame, nResult)) {
+            return nResult;
+        }
+    }
+    RenewDrawInfo(frame.nDrawInfoKind, m_nDrawInfoKind);
+    Q_EMIT signalUpdate();
+    return 0;
+}
+
+void CLS_ShaderYuvSubImage::TakeDisplayType(int32_t nDisplayType)
+{
+    ReleaseGLResource();
+    switch (nDisplayType) {
+    case VIDEO_DISPLAY_DXGL:
+        XELT_LOG("ShowYuvFrame Display type is VIDEO_DISPLAY_DXGL,The Player is D3D11Player");
+        break;
+    case VIDEO_DISPLAY_NV12:
+        XELT_LOG("ShowYuvFrame Display type is VIDEO_DISPLAY_NV12,The Player is DxvaPlayer");
+        break;
+    default:
+        XELT_LOG("ShowYuvFrame Display type is VIDEO_DISPLAY_YV12,The Player is SoftWare Player");
+        break;
+    }
+    m_nDisplayType = nDisplayType;
+}
+
+bool CLS_ShaderYuvSubImage::TakeSoftwareFrame(const VideoFrameDesc &frame, int32_t &nResult)
+{
+    nResult = -1;
+    const bool blOtherLength = frame.nDataLen > 0 && frame.nDataLen != m_nFrameBufferSize;
+    const bool blOtherSize = frame.iWidth != m_nVideoWidth || frame.iHeight != m_nVideoHeight;
+    if (blOtherLength || blOtherSize) {
+        nResult = InitFrameBuffer(frame.iWidth, frame.iHeight, frame.nDataLen);
+    }
+    if (m_pFrameBuffer == nullptr) {
+        return false;
+    }
+    if (frame.iWidth < 1 || frame.iHeight < 1) {
+        XELT_REPORT_ERROR("CLS_ShaderYuvSubImage", "CLS_ShaderYuvSubImage::ShowYuvFrame",
+                          "ShowYuvFrame iWidth = %d iHeight = %d is invalid param", frame.iWidth,
+                          frame.iHeight);
+        return false;
+    }
+    yuv::StoreFrame(frame, {m_pFrameBuffer, FrameBufferBytes(), m_nVideoWidth, m_nVideoHeight},
+                    {m_pPlaneY, m_pPlaneUV, m_bExplicitLength});
+    return true;
+}
+
+void CLS_ShaderYuvSubImage::ClearDraw()
+{
+    ClearDrawInfo();
+    // Labels belong to the GUI thread.
+    QMetaObject::invokeMethod(this, [this] { ClearLabels(); });
+    PaintDrawInfo();
+    if (blReserveLastFrm == 0) {
+        UnInit();
+    }
+    m_pfnDrawInfo = nullptr;
+    XELT_LOG("CLS_ShaderYuvSubImage::ClearDraw, blReserveLastFrm=%d", blReserveLastFrm);
+}
+
+int32_t CLS_ShaderYuvSubImage::UnInit()
+{
+    const QMutexLocker locker(&m_mutexFrame);
+    ReleaseGLResource();
+    FreeFrameBuffer();
+    m_nVideoWidth = 0;
+    m_nVideoHeight = 0;
+    CLS_ShaderBase::UnInit();
+    if (m_pD3D11EGL != nullptr) {
+        m_retired.Add(std::move(m_pD3D11EGL));
+        m_pD3D11EGL = CLS_D3D11EGL::Create();
+    }
+    m_rcEZoom = geometry::NormRect();
+    return 0;
+}
+
+void CLS_ShaderYuvSubImage::ReleaseGLResource()
+{
+    m_retired.Add(std::move(m_pProgram));
+    m_retired.Add(std::move(m_pTexY));
+    m_retired.Add(std::move(m_pTexU));
+    m_retired.Add(std::move(m_pTexV));
+    m_blGLReady = false;
+    if (!m_bExplicitLength) {
+        // The next frame then counts as one of a new type, deliberately.
+        m_nDisplayType = -1;
+        Q_EMIT signalUpdate();
+    }
+}

@@ -1,0 +1,31 @@
+#include "yuv/HardwarePath.h"
+
+#include "d3d11/CLS_D3D11EGL.h"
+
+#include <QScreen>
+#include <QWidget>
+
+namespace yuv {
+
+void HandOverFrame(CLS_D3D11EGL *pHardware, void *pDevice, const void *pData, int32_t nLength)
+{
+    if (pHardware == nullptr) {
+        return;
+    }
+    if (pHardware->Device() != pDevice) {
+        pHardware->SetDevice(pDevice);
+    }
+    pHardware->SetFrame(pData, nLength);
+}
+
+QRect DeviceRect(const QWidget &widget)
+{
+    const QScreen *pScreen = widget.screen();
+    const double dRatio = pScreen != nullptr ? pScreen->devicePixelRatio() : 1.0;
+    QRect rcDevice = widget.rect();
+    rcDevice.setSize(QSize(geometry::TruncateToInt(rcDevice.width() * dRatio),
+                           geometry::TruncateToInt(rcDevice.height() * dRatio)));
+    return rcDevice;
+}
+
+} // namespace yuv

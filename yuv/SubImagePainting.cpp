@@ -1,0 +1,263 @@
+// Painting of CLS_ShaderYuvSubImage. GUI thread, the widget's context current.
+#include "yuv/CLS_ShaderYuvSubImage.h"
+
+#include "log/CLS_OmbrixApi.h"
+#include "yuv/HardwarePath.h"
+#include "yuv/YuvShaderSources.h"
+
+#include <QMutexLocker>
+#include <QOpenGLContext>
+#include <QOpenGLShaderProgram>
+#include <QOpenGLTexture>
+#include <chrono>
+#include <mutex>
+
+namespace {
+
+constexpr auto kPaintTimeout = std::chrono::milliseconds(500);
+
+} // namespace
+
+void CLS_ShaderYuvSubImage::initializeGL()
+{
+    const QMutexLocker locker(&m_mutexFrame);
+    initializeOpenGLFunctions();
+    connect(context(), &QOpenGLContext::aboutToBeDestroyed, this, [this] { OnContextLost(); });
+    yuv::LogGlStrings(*this, "CLS_ShaderYuvSubImage");
+}
+
+void CLS_ShaderYuvSubImage::OnContextLost()
+{
+    makeCurrent();
+    {
+        const QMutexLocker locker(&m_mutexFrame);
+        ReleaseGLResource();
+        m_retired.DestroyAll();
+        if (m_pD3D11EGL != nullptr) {
+            m_pD3D11EGL->ReleaseEGL();
+        }
+    }
+    doneCurrent();
+}
+
+void CLS_ShaderYuvSubImage::resizeGL(int nWidth, int nHeight)
+{
+    CLS_ShaderBase::resizeGL(nWidth, nHeight);
+    RenewDrawInfo(m_nDrawInfoKind, m_nDrawInfoKind);
+}
+
+void CLS_ShaderYuvSubImage::paintGL()
+{
+    if (m_nDisplayType == -1) {
+        PaintBlack();
+        return;
+    }
+    const std::unique_lock<QMutex> lock(m_mutexFrame, kPaintTimeout);
+    if (!lock.owns_lock()) {
+        return;
+    }
+    m_retired.DestroyAll();
+    if (m_nDisplayType != VIDEO_DISPLAY_DXGL && m_pFrameBuffer == nullptr) {
+        return;
+    }
+    if (!m_blGLReady) {
+        EnsurePrograms();
+    }
+    if (m_pProgram != nullptr) {
+        m_pProgram->bind();
+    }
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
+    glEnable(GL_DEPTH_TEST);
+    PaintDrawInfo();
+    AddLabelWhilePainting();
+    DrawPicture();
+}
+
+void CLS_ShaderYuvSubImage::PaintBlack()
+{
+    {
+        const std::unique_lock<QMutex> lock(m_mutexFrame, std::try_to_lock);
+        if (lock.owns_lock()) {
+            m_retired.DestroyAll();
+        }
+    }
+    glClearColor(0, 0, 0, 1);
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+}
+
+void CLS_ShaderYuvSubImage::EnsurePrograms()
+{
+    switch (m_nDisplayType) {
+    case VIDEO_DISPLAY_NV12:
+        InitGLNV12();
+        break;
+    case VIDEO_DISPLAY_DXGL:
+        break; // no hardware path in this build: no picture
+    default:
+        // A type without a picture of its own still needs a program for its overlay shapes.
+        InitGLYV12();
+        break;
+    }
+    m_blGLReady = true;
+}
+
+void CLS_ShaderYuvSubImage::InitGLYV12()
+{
+    m_pProgram = yuv::BuildProgram(yuv::kYv12PlainVertexShader, yuv::kYv12FragmentShader);
+    m_nLocTexY = m_pProgram->uniformLocation("tex_y");
+    m_nLocTexU = m_pProgram->uniformLocation("tex_u");
+    m_nLocTexV = m_pProgram->uniformLocation("tex_v");
+    m_nLocDrawFlag = m_pProgram->uniformLocation("u_iDrawFlag");
+    m_nLocDrawColor = m_pProgram->uniformLocation("u_vDrawColor");
+    yuv::UseTextureCoordinates(*this);
+    if (CreateTextures("CLS_ShaderYuvSubImage::InitGLYV12", true)) {
+        AllocateTextures(GL_RED);
+        glClearColor(0, 0, 0, 0);
+    }
+}
+
+void CLS_ShaderYuvSubImage::InitGLNV12()
+{
+    m_pProgram = yuv::BuildProgram(yuv::kNv12PlainVertexShader, yuv::kNv12FragmentShader);
+    m_nLocDrawFlag = m_pProgram->uniformLocation("u_iDrawFlag");
+    m_nLocDrawColor = m_pProgram->uniformLocation("u_vDrawColor");
+    m_nLocTexY = m_pProgram->uniformLocation("tex_y");
+    m_nLocTexU = m_pProgram->uniformLocation("tex_u");
+    yuv::UseTextureCoordinates(*this);
+    if (CreateTextures("CLS_ShaderYuvSubImage::InitGLNV12", false)) {
+        AllocateTextures(GL_RG);
+        glClearColor(0, 0, 0, 0);
+    }
+}
+
+bool CLS_ShaderYuvSubImage::CreateTextures(const char *pszFunction, bool blThirdPlane)
+{
+    m_pTexY = yuv::NewTexture();
+    m_pTexU = m_pTexY != nullptr ? yuv::NewTexture() : nullptr;
+    m_pTexV = m_pTexU != nullptr && blThirdPlane ? yuv::NewTexture() : nullptr;
+    if (m_pTexU == nullptr || (blThirdPlane && m_pTexV == nullptr)) {
+        m_pTexU.reset(); // a draw looks for the complete set
+        XELT_REPORT_ERROR("CLS_ShaderYuvSubImage", pszFunction,
+                          "new QOpenGLTexture faild,can not malloc memory!");
+        return false;
+    }
+    return true;
+}
+
+void CLS_ShaderYuvSubImage::AllocateTextures(uint32_t nChromaFormat)
+{
+    m_szTextures = QSize(m_nVideoWidth, m_nVideoHeight);
+    const QSize szChroma(m_nVideoWidth / 2, m_nVideoHeight / 2);
+    AllocatePlane(*m_pTexY, GL_RED, m_szTextures);
+    AllocatePlane(*m_pTexU, nChromaFormat, szChroma);
+    if (m_pTexV != nullptr) {
+        AllocatePlane(*m_pTexV, nChromaFormat, szChroma);
+    }
+}
+
+void CLS_ShaderYuvSubImage::AllocatePlane(QOpenGLTexture &texture, uint32_t nFormat, const QSize &size)
+{
+    // A QOpenGLTexture takes its size once: another size is another texture.
+    texture.destroy();
+    texture.setSize(size.width(), size.height());
+    texture.create();
+    glBindTexture(GL_TEXTURE_2D, texture.textureId());
+    glTexImage2D(GL_TEXTURE_2D, 0, static_cast<GLint>(nFormat), size.width(), size.height(), 0, nFormat,
+                 GL_UNSIGNED_BYTE, nullptr);
+}
+
+void CLS_ShaderYuvSubImage::DrawPicture()
+{
+    if (m_nDisplayType == VIDEO_DISPLAY_DXGL) {
+        DrawD3D11();
+        return;
+    }
+    if (m_pTexU == nullptr || !HoldsWholeFrame()) {
+        return;
+    }
+    if (m_nDisplayType == VIDEO_DISPLAY_YV12) {
+        DrawYV12();
+    } else if (m_nDisplayType == VIDEO_DISPLAY_NV12 && m_pPlaneY != nullptr && m_pPlaneUV != nullptr) {
+        DrawNV12();
+    }
+}
+
+void CLS_ShaderYuvSubImage::PrepareQuad(geometry::QuadVertices &afPositions)
+{
+    m_pProgram->bind();
+    // The whole widget is the drawn area: ratio mode and destination rectangle do not count here.
+    geometry::ComputeQuad(geometry::NormRect(), m_rcEZoom, afPositions);
+    yuv::UsePositions(*this, afPositions);
+}
+
+void CLS_ShaderYuvSubImage::UpdatePlane(uint32_t nUnit, QOpenGLTexture &texture, uint32_t nFormat,
+                                        const QSize &size, const uint8_t *pPixels)
+{
+    glActiveTexture(GL_TEXTURE0 + nUnit);
+    glBindTexture(GL_TEXTURE_2D, texture.textureId());
+    glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, size.width(), size.height(), nFormat, GL_UNSIGNED_BYTE, pPixels);
+    yuv::SetPlaneSampling(*this);
+}
+
+void CLS_ShaderYuvSubImage::DrawYV12()
+{
+    const QSize szLuma(m_nVideoWidth, m_nVideoHeight);
+    const QSize szChroma(m_nVideoWidth / 2, m_nVideoHeight / 2);
+    const size_t nLuma = static_cast<size_t>(m_nVideoWidth) * static_cast<size_t>(m_nVideoHeight);
+    if (m_szTextures != szLuma) {
+        AllocateTextures(GL_RED);
+    }
+    geometry::QuadVertices afPositions;
+    PrepareQuad(afPositions);
+    glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
+    UpdatePlane(0, *m_pTexY, GL_RED, szLuma, m_pFrameBuffer);
+    UpdatePlane(1, *m_pTexU, GL_RED, szChroma, m_pFrameBuffer + nLuma);
+    UpdatePlane(2, *m_pTexV, GL_RED, szChroma, m_pFrameBuffer + nLuma * 5 / 4);
+    glUniform1i(m_nLocTexY, 0);
+    glUniform1i(m_nLocTexU, 1);
+    glUniform1i(m_nLocTexV, 2);
+    glUniform1i(m_nLocDrawFlag, 0);
+    glDrawArrays(GL_TRIANGLE_STRIP, 0, 4);
+}
+
+void CLS_ShaderYuvSubImage::DrawNV12()
+{
+    const QSize szLuma(m_nVideoWidth, m_nVideoHeight);
+    const QSize szChroma(m_nVideoWidth / 2, m_nVideoHeight / 2);
+    if (m_szTextures != szLuma) {
+        AllocateTextures(GL_RG);
+    }
+    geometry::QuadVertices afPositions;
+    PrepareQuad(afPositions);
+    // The unpack alignment is left as it is, deliberately; the frame buffer has spare bytes for it.
+    UpdatePlane(0, *m_pTexY, GL_RED, szLuma, m_pPlaneY);
+    UpdatePlane(1, *m_pTexU, GL_RG, szChroma, m_pPlaneUV);
+    glUniform1i(m_nLocTexY, 0);
+    glUniform1i(m_nLocTexU, 1);
+    glUniform1i(m_nLocDrawFlag, 0);
+    glDrawArrays(GL_TRIANGLE_STRIP, 0, 4);
+}
+
+void CLS_ShaderYuvSubImage::DrawD3D11()
+{
+    if (m_pD3D11EGL == nullptr) {
+        return;
+    }
+    m_pD3D11EGL->SetAreas(geometry::NormRect(), m_rcEZoom);
+    m_pD3D11EGL->Render(yuv::DeviceRect(*this));
+}
+
+void CLS_ShaderYuvSubImage::PaintDrawInfo()
+{
+    if (!IsContextCurrent()) {
+        return;
+    }
+    const QMutexLocker locker(&m_mutexDrawInfo);
+    if (m_vecDrawInfo.isEmpty() || m_pProgram == nullptr || !m_pProgram->bind()) {
+        return;
+    }
+    // These programs' opacity uniform is not looked up: everything is opaque.
+    const yuv::DrawInfoLocations locations = {m_nLocDrawFlag, m_nLocDrawColor, -1};
+    m_painter.Paint(*this, context()->isOpenGLES(), m_vecDrawInfo, yuv::DrawInfoPass::AllOpaque, locations,
+                    geometry::MapPoints(rect(), m_rcEZoom));
+}
