@@ -66,10 +66,12 @@ int32_t CLS_OmbrixApi::LoadCoreLibrary()
     if (hModule == nullptr) {
         return -1;
     }
-    m_hModule.store(hModule, std::memory_order_release);
     for (std::size_t i = 0; i < corelib::kEntryCount; ++i) {
-        m_apfnEntries[i].store(FindFunction(corelib::kEntryNames[i]), std::memory_order_release);
+        m_apfnEntries[i].store(platform::FindFunction(hModule, corelib::kEntryNames[i]),
+                               std::memory_order_release);
     }
+    // Last, so that whoever sees the module finds the table filled.
+    m_hModule.store(hModule, std::memory_order_release);
     return 0;
 }
 
