@@ -75,6 +75,9 @@ protected:
     int32_t NotifyDrawInfo(int32_t nKind, int32_t &nKeptKind);
     // Drops the old overlay records and asks for new ones. True when there were or are some. Any thread.
     bool RenewDrawInfo(int32_t nKind, int32_t &nKeptKind);
+    // The same with the kind that was kept last.
+    bool RepeatDrawInfo(int32_t &nKeptKind);
+    void ForgetDrawInfoCallback();
     // Whether any overlay record is held.
     bool HasDrawInfo();
     // Needs m_mutexFrame.
@@ -91,7 +94,7 @@ protected:
     bool IsContextCurrent() const;
 
     QMutex m_mutexFrame;
-    QMutex m_mutexDrawInfo; // guards m_vecDrawInfo and the labels
+    QMutex m_mutexDrawInfo; // guards m_vecDrawInfo, the host's callback and the kept kind
     int32_t m_nVideoWidth = 0;
     int32_t m_nVideoHeight = 0;
     uint8_t *m_pFrameBuffer = nullptr;

@@ -46,18 +46,38 @@ bool CLS_ShaderBase::RenewDrawInfo(int32_t nKind, int32_t &nKeptKind)
     return blHadDrawInfo || HasDrawInfo();
 }
 
+bool CLS_ShaderBase::RepeatDrawInfo(int32_t &nKeptKind)
+{
+    int32_t nKind = 0;
+    {
+        const QMutexLocker locker(&m_mutexDrawInfo);
+        nKind = nKeptKind;
+    }
+    return RenewDrawInfo(nKind, nKeptKind);
+}
+
+void CLS_ShaderBase::ForgetDrawInfoCallback()
+{
+    const QMutexLocker locker(&m_mutexDrawInfo);
+    m_pfnDrawInfo = nullptr;
+}
+
 int32_t CLS_ShaderBase::NotifyDrawInfo(int32_t nKind, int32_t &nKeptKind)
 {
-    const XeltDrawInfoCallback pfnDrawInfo = m_pfnDrawInfo;
-    if (pfnDrawInfo == nullptr) {
-        return 0;
+    XeltDrawInfoCallbackPara callback = {};
+    {
+        const QMutexLocker locker(&m_mutexDrawInfo);
+        callback = {m_pfnDrawInfo, m_pDrawInfoUser};
+        if (callback.pfnCallback == nullptr) {
+            return 0;
+        }
+        nKeptKind = nKind;
     }
-    nKeptKind = nKind;
     XeltDrawInfoRequest request = MakeRequest(nKind, rect(), m_rcDrawArea);
     request.pfnReceiver = &CLS_ShaderBase::ReceiveDrawInfo;
     request.pObject = this;
     try {
-        return pfnDrawInfo(nullptr, &request, XELT_DRAWINFO_REQUEST_SIZE, m_pDrawInfoUser);
+        return callback.pfnCallback(nullptr, &request, XELT_DRAWINFO_REQUEST_SIZE, callback.pUser);
     } catch (...) {
         return -1; // what a host's callback throws must not run through Qt's event loop
     }

@@ -4,6 +4,7 @@
 
 #include "log/CLS_OmbrixApi.h"
 
+#include <QMutexLocker>
 #include <QOpenGLContext>
 #include <QThread>
 #include <algorithm>
@@ -65,6 +66,9 @@ int32_t CLS_ShaderBase::SetParam(uint32_t nCommand, const void *pPayload, int32_
 
 int32_t CLS_ShaderBase::OnSetDrawInfoCallback(const void *pPayload, size_t nLength)
 {
+    // A resize asks for records on the GUI thread: it must not see one host's function with another's
+    // context.
+    const QMutexLocker locker(&m_mutexDrawInfo);
     XeltDrawInfoCallbackPara para = {m_pfnDrawInfo, m_pDrawInfoUser};
     Overwrite(para, pPayload, nLength);
     m_pfnDrawInfo = para.pfnCallback;

@@ -173,7 +173,7 @@ void CLS_ShaderYuv::ClearDraw()
     } else {
         m_bClearPending = true;
     }
-    m_pfnDrawInfo = nullptr;
+    ForgetDrawInfoCallback();
     XELT_LOG("CLS_ShaderYuv::ClearDraw, blReserveLastFrm=%d", blReserveLastFrm);
 }
 

@@ -131,7 +131,7 @@ void CLS_ShaderYuvSubImage::ClearDraw()
     if (blReserveLastFrm == 0) {
         UnInit();
     }
-    m_pfnDrawInfo = nullptr;
+    ForgetDrawInfoCallback();
     XELT_LOG("CLS_ShaderYuvSubImage::ClearDraw, blReserveLastFrm=%d", blReserveLastFrm);
 }
 

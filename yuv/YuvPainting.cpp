@@ -39,7 +39,7 @@ void CLS_ShaderYuv::OnContextLost()
 void CLS_ShaderYuv::resizeGL(int nWidth, int nHeight)
 {
     CLS_ShaderBase::resizeGL(nWidth, nHeight);
-    if (RenewDrawInfo(m_nDrawInfoKind, m_nDrawInfoKind)) {
+    if (RepeatDrawInfo(m_nDrawInfoKind)) {
         Q_EMIT signalDrawTextInfo();
     }
 }
