@@ -30,7 +30,11 @@ CLS_ShaderBase::CLS_ShaderBase(QWidget *pParent) : QOpenGLWidget(pParent)
 }
 
 // The renderers free the frame buffer. Labels go with their parent.
-CLS_ShaderBase::~CLS_ShaderBase() = default;
+CLS_ShaderBase::~CLS_ShaderBase()
+{
+    // Where the widget is its own label parent, its destroyed() comes when this part of it is gone.
+    disconnect(m_labelParentDestroyed);
+}
 
 int32_t CLS_ShaderBase::SetParentLayout(QLayout *pLayout)
 {

@@ -61,7 +61,10 @@ QString StyleSheetFor(uint32_t nColor)
 
 void ApplyRecord(QLabel &label, const XeltDrawInfo &record)
 {
-    label.setStyleSheet(StyleSheetFor(record.nColor));
+    const QString strStyleSheet = StyleSheetFor(record.nColor);
+    if (label.styleSheet() != strStyleSheet) {
+        label.setStyleSheet(strStyleSheet); // dear even when nothing changes
+    }
     QFont font;
     font.setPointSize(record.nSize >= 1 ? record.nSize : kDefaultFontSize);
     label.setFont(font);
@@ -76,7 +79,11 @@ void ApplyRecord(QLabel &label, const XeltDrawInfo &record)
         return;
     }
     // Markup could name files and addresses; a host's text opens neither.
-    label.setTextFormat(Qt::mightBeRichText(strText) ? Qt::PlainText : Qt::AutoText);
+    const Qt::TextFormat format = Qt::mightBeRichText(strText) ? Qt::PlainText : Qt::AutoText;
+    if (label.textFormat() != format) {
+        label.clear(); // or the text before would be read in the new format
+        label.setTextFormat(format);
+    }
     label.setText(strText);
 }
 
@@ -155,8 +162,10 @@ bool CLS_ShaderBase::BlankLabel(size_t nSlot)
 {
     const bool blHadText = m_aLabelRecords[nSlot].nType == DRAWINFO_TEXT;
     m_aLabelRecords[nSlot] = XeltDrawInfo();
-    if (!m_pLabels[nSlot].isNull()) {
-        m_pLabels[nSlot]->clear();
+    QLabel *pLabel = m_pLabels[nSlot];
+    // Clearing a blank label would cost a layout of its parent, and a paint.
+    if (pLabel != nullptr && !pLabel->text().isEmpty()) {
+        pLabel->clear();
     }
     return blHadText;
 }
