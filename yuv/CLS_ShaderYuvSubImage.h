@@ -77,8 +77,9 @@ private:
     int32_t TakeFrame(const VideoFrameDesc &frame, const void *pData, int32_t nLength);
     // False (and logged) when a texture cannot be allocated; those made so far are kept.
     bool CreateTextures(const char *pszFunction, bool blThirdPlane);
-    // Gives the textures storage of the frame's size; nChromaFormat is that of the second and third.
-    void AllocateTextures(uint32_t nChromaFormat);
+    // Gives the textures storage of the frame's size, unless they have it; nChromaFormat is that of the
+    // second and third. False when the driver has no textures of that size.
+    bool EnsureTextures(uint32_t nChromaFormat);
     void AllocatePlane(QOpenGLTexture &texture, uint32_t nFormat, const QSize &size);
     void PrepareQuad(geometry::QuadVertices &afPositions);
     void UpdatePlane(uint32_t nUnit, QOpenGLTexture &texture, uint32_t nFormat, const QSize &size,

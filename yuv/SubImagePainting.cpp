@@ -43,7 +43,7 @@ void CLS_ShaderYuvSubImage::OnContextLost()
 void CLS_ShaderYuvSubImage::resizeGL(int nWidth, int nHeight)
 {
     CLS_ShaderBase::resizeGL(nWidth, nHeight);
-    RenewDrawInfo(m_nDrawInfoKind, m_nDrawInfoKind);
+    RepeatDrawInfo(m_nDrawInfoKind);
 }
 
 void CLS_ShaderYuvSubImage::paintGL()
@@ -111,7 +111,6 @@ void CLS_ShaderYuvSubImage::InitGLYV12()
     m_nLocDrawColor = m_pProgram->uniformLocation("u_vDrawColor");
     yuv::UseTextureCoordinates(*this);
     if (CreateTextures("CLS_ShaderYuvSubImage::InitGLYV12", true)) {
-        AllocateTextures(GL_RED);
         glClearColor(0, 0, 0, 0);
     }
 }
@@ -125,13 +124,13 @@ void CLS_ShaderYuvSubImage::InitGLNV12()
     m_nLocTexU = m_pProgram->uniformLocation("tex_u");
     yuv::UseTextureCoordinates(*this);
     if (CreateTextures("CLS_ShaderYuvSubImage::InitGLNV12", false)) {
-        AllocateTextures(GL_RG);
         glClearColor(0, 0, 0, 0);
     }
 }
 
 bool CLS_ShaderYuvSubImage::CreateTextures(const char *pszFunction, bool blThirdPlane)
 {
+    m_szTextures = QSize(); // the first draw of a whole frame allocates
     m_pTexY = yuv::NewTexture();
     m_pTexU = m_pTexY != nullptr ? yuv::NewTexture() : nullptr;
     m_pTexV = m_pTexU != nullptr && blThirdPlane ? yuv::NewTexture() : nullptr;
@@ -144,15 +143,25 @@ bool CLS_ShaderYuvSubImage::CreateTextures(const char *pszFunction, bool blThird
     return true;
 }
 
-void CLS_ShaderYuvSubImage::AllocateTextures(uint32_t nChromaFormat)
+bool CLS_ShaderYuvSubImage::EnsureTextures(uint32_t nChromaFormat)
 {
-    m_szTextures = QSize(m_nVideoWidth, m_nVideoHeight);
+    const QSize szLuma(m_nVideoWidth, m_nVideoHeight);
+    if (m_szTextures == szLuma) {
+        return true;
+    }
+    GLint nLargest = 0;
+    glGetIntegerv(GL_MAX_TEXTURE_SIZE, &nLargest);
+    if (szLuma.width() > nLargest || szLuma.height() > nLargest) {
+        return false;
+    }
     const QSize szChroma(m_nVideoWidth / 2, m_nVideoHeight / 2);
-    AllocatePlane(*m_pTexY, GL_RED, m_szTextures);
+    AllocatePlane(*m_pTexY, GL_RED, szLuma);
     AllocatePlane(*m_pTexU, nChromaFormat, szChroma);
     if (m_pTexV != nullptr) {
         AllocatePlane(*m_pTexV, nChromaFormat, szChroma);
     }
+    m_szTextures = szLuma;
+    return true;
 }
 
 void CLS_ShaderYuvSubImage::AllocatePlane(QOpenGLTexture &texture, uint32_t nFormat, const QSize &size)
@@ -204,8 +213,8 @@ void CLS_ShaderYuvSubImage::DrawYV12()
     const QSize szLuma(m_nVideoWidth, m_nVideoHeight);
     const QSize szChroma(m_nVideoWidth / 2, m_nVideoHeight / 2);
     const size_t nLuma = static_cast<size_t>(m_nVideoWidth) * static_cast<size_t>(m_nVideoHeight);
-    if (m_szTextures != szLuma) {
-        AllocateTextures(GL_RED);
+    if (!EnsureTextures(GL_RED)) {
+        return;
     }
     geometry::QuadVertices afPositions;
     PrepareQuad(afPositions);
@@ -224,8 +233,8 @@ void CLS_ShaderYuvSubImage::DrawNV12()
 {
     const QSize szLuma(m_nVideoWidth, m_nVideoHeight);
     const QSize szChroma(m_nVideoWidth / 2, m_nVideoHeight / 2);
-    if (m_szTextures != szLuma) {
-        AllocateTextures(GL_RG);
+    if (!EnsureTextures(GL_RG)) {
+        return;
     }
     geometry::QuadVertices afPositions;
     PrepareQuad(afPositions);
