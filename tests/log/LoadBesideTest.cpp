@@ -1,0 +1,104 @@
+// Loading a file beside a module: by the module's name, by its handle, and with paths that are too long.
+#include "ProbeRun.h"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+
+namespace {
+
+using namespace xelttest;
+
+class LoadBeside : public testing::Test
+{
+protected:
+    // The module's name, the file's name and, if not empty, the path of a module whose handle is given.
+    // Both lines are the same: one is with the altered search path.
+    void expectLoaded(const std::string &sModule, const std::string &sFile, const std::string &sHandle,
+                      const std::string &sPath, const std::string &sVariant) const
+    {
+        const std::string sOne = sPath + "\n[" + sVariant + "] sdk_log_msg(hello)\n";
+        EXPECT_EQ(output(sModule, sFile, sHandle), sOne + sOne);
+    }
+    void expectNull(const std::string &sModule, const std::string &sFile,
+                    const std::string &sHandle = std::string()) const
+    {
+        EXPECT_EQ(output(sModule, sFile, sHandle), "null\nnull\n");
+    }
+
+    std::string output(const std::string &sModule, const std::string &sFile, const std::string &sHandle) const
+    {
+        const ProbeResult result =
+            m_folder.run({QStringLiteral("beside"), QString::fromStdString(sModule),
+                          QString::fromStdString(sFile), QString::fromStdString(sHandle)});
+        EXPECT_EQ(result.nExitCode, 0);
+        return result.sOutput;
+    }
+
+    ProbeFolder m_folder;
+};
+
+TEST_F(LoadBeside, EmptyNameLoadsTheBareFileName)
+{
+    m_folder.placeCore("without_none", "host/Other.so");
+    expectLoaded("", "Other.so", "", m_folder.path("host/Other.so"), "without_none");
+    expectNull("", "Missing.so");
+}
+
+TEST_F(LoadBeside, HandleGivesItsOwnFolder)
+{
+    m_folder.placeCore("without_none", "Mixed Case/First.so");
+    m_folder.placeCore("without_sdk_log_buf_lock", "Mixed Case/Second.so");
+    m_folder.placeCore("without_sdk_log_buf_date", "host/Second.so");
+    expectLoaded("", "Second.so", m_folder.path("Mixed Case/First.so"), m_folder.path("Mixed Case/Second.so"),
+                 "without_sdk_log_buf_lock");
+    // With a handle the name does not matter.
+    expectLoaded("no such module", "Second.so", m_folder.path("Mixed Case/First.so"),
+                 m_folder.path("Mixed Case/Second.so"), "without_sdk_log_buf_lock");
+    expectNull("", "Third.so", m_folder.path("Mixed Case/First.so"));
+}
+
+TEST_F(LoadBeside, NameIsCutOutOfThePath)
+{
+    // The program's own path: <folder>/host/probe. Everything from the name on gives way to the file.
+    m_folder.placeCore("without_none", "host/probe.so");
+    const std::string sLibrary = output("libQt5Core.so.5", "libQt5Gui.so.5", "");
+    EXPECT_THAT(sLibrary, testing::ContainsRegex("^/.*/libQt5Gui.so.5\n/.*/libQt5Gui.so.5\n$"));
+    expectNull("libQt5Core.so.5", "libNotThere.so");
+}
+
+TEST_F(LoadBeside, NameThatIsNotInThePathGivesNull)
+{
+    m_folder.placeCore("without_none", "host/Other.so");
+    expectNull("no-such-module", "Other.so");
+    expectNull(std::string(1000, 'x'), "Other.so");
+}
+
+TEST_F(LoadBeside, PathIsCutTo259Characters)
+{
+    std::string sFolder = "deep";
+    while (m_folder.path(sFolder).size() < 200) {
+        sFolder += "/deeper";
+    }
+    const size_t nName = 259 - m_folder.path(sFolder).size() - 1;
+    const std::string sFile = sFolder + "/" + std::string(nName, 'm');
+    m_folder.placeCore("without_none", sFile);
+    const std::string sPath = m_folder.path(sFile);
+    ASSERT_EQ(sPath.size(), 259U);
+    expectLoaded("", sPath, "", sPath, "without_none");
+    // What is longer loses its end.
+    expectLoaded("", sPath + "-and-more", "", sPath, "without_none");
+    expectNull("", sPath.substr(0, 258));
+}
+
+TEST_F(LoadBeside, FileIsCutToTheRoomBehindTheFolder)
+{
+    m_folder.placeCore("without_none", "modules/First.so");
+    const std::string sFolder = m_folder.path("modules");
+    ASSERT_LT(sFolder.size(), 200U);
+    const std::string sName(259 - sFolder.size() - 1, 'n');
+    m_folder.placeCore("without_sdk_log_buf_lock", "modules/" + sName);
+    expectLoaded("", sName + "cut", sFolder + "/First.so", sFolder + "/" + sName, "without_sdk_log_buf_lock");
+}
+
+} // namespace
