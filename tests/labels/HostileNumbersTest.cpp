@@ -1,0 +1,79 @@
+// Coordinates and font sizes that no screen has.
+#include "LabelTest.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+
+#include <climits>
+
+namespace {
+
+using namespace xelttest;
+
+constexpr qint64 k_nPatienceMs = 5000;
+
+qint64 residentBytes()
+{
+    QFile file(QStringLiteral("/proc/self/statm"));
+    return file.open(QIODevice::ReadOnly) ? file.readAll().split(' ').at(1).toLongLong() * 4096 : -1;
+}
+
+class HostileNumbers : public LabelTest
+{
+protected:
+    QString shown(const QByteArray &abText)
+    {
+        rebuild({textRecord(abText)});
+        m_pWindow->grab();
+        return textsOn(pane()).at(0);
+    }
+};
+XELT_FOR_BOTH_RENDERERS(HostileNumbers);
+
+TEST_P(HostileNumbers, CoordinatesOfAnySize)
+{
+    shown("warm-up");
+    const qint64 nBefore = residentBytes();
+    QElapsedTimer elapsed;
+    elapsed.start();
+    for (const XeltPoint &a : {XeltPoint{INT_MIN, INT_MIN}, XeltPoint{INT_MAX, INT_MAX}, XeltPoint{0, 0},
+                               XeltPoint{-20000000, 0}, XeltPoint{INT_MIN, INT_MAX}}) {
+        for (const XeltPoint &b :
+             {XeltPoint{INT_MAX, INT_MAX}, XeltPoint{INT_MIN, INT_MIN}, XeltPoint{INT_MAX, 50}}) {
+            TextLook look;
+            look.nLeft = a.x;
+            look.nTop = a.y;
+            look.nRight = b.x;
+            look.nBottom = b.y;
+            rebuild({textRecord("far", look)});
+            m_pWindow->grab();
+            const QLabel *pLabel = labelWithText(pane(), QStringLiteral("far"));
+            ASSERT_NE(pLabel, nullptr);
+            EXPECT_GE(pLabel->width(), 0);
+            EXPECT_GE(pLabel->height(), 0);
+        }
+    }
+    EXPECT_LT(elapsed.elapsed(), k_nPatienceMs * 2);
+    EXPECT_LT(residentBytes() - nBefore, 64 << 20);
+    EXPECT_EQ(shown("warm-up"), "warm-up");
+    EXPECT_EQ(labelsOn(pane())[0]->geometry(), QRect(10, 9, 200, 62));
+}
+
+TEST_P(HostileNumbers, FontsOfAnySize)
+{
+    shown("warm-up");
+    const qint64 nBefore = residentBytes();
+    QElapsedTimer elapsed;
+    elapsed.start();
+    TextLook look;
+    for (const int nSize : {1, 999, 10000, 100000, 10000000, INT_MAX / 2, INT_MAX}) {
+        look.nSize = nSize;
+        rebuild({textRecord("Huge \xE6\x97\xB6", look)});
+        m_pWindow->grab();
+        EXPECT_LT(elapsed.restart(), k_nPatienceMs) << nSize;
+        EXPECT_LT(residentBytes() - nBefore, 64 << 20) << nSize;
+    }
+    EXPECT_EQ(shown("warm-up"), "warm-up");
+}
+
+} // namespace

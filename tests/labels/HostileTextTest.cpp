@@ -1,0 +1,223 @@
+// Text and numbers that a careless or hostile host may send.
+#include "LabelTest.h"
+
+#include <QFile>
+#include <QImage>
+#include <QTemporaryDir>
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <sys/inotify.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <array>
+
+namespace {
+
+using namespace xelttest;
+
+// Counts how often a file is opened or read by anyone, this process included.
+class FileWatch
+{
+public:
+    explicit FileWatch(const QString &strPath) : m_nNotify(inotify_init1(IN_NONBLOCK))
+    {
+        m_blReady =
+            inotify_add_watch(m_nNotify, QFile::encodeName(strPath).constData(), IN_OPEN | IN_ACCESS) >= 0;
+    }
+    ~FileWatch() { close(m_nNotify); }
+    FileWatch(const FileWatch &) = delete;
+    FileWatch &operator=(const FileWatch &) = delete;
+
+    bool isReady() const { return m_blReady; }
+    bool wasTouched() const
+    {
+        std::array<char, 4096> aEvents;
+        return read(m_nNotify, aEvents.data(), aEvents.size()) > 0;
+    }
+
+private:
+    int m_nNotify;
+    bool m_blReady = false;
+};
+
+// A local port that counts who connects.
+class Listener
+{
+public:
+    Listener() : m_nSocket(socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0))
+    {
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t nLength = sizeof(address);
+        auto *pAddress = reinterpret_cast<sockaddr *>(&address);
+        m_blReady = bind(m_nSocket, pAddress, nLength) == 0 && listen(m_nSocket, 8) == 0 &&
+                    getsockname(m_nSocket, pAddress, &nLength) == 0;
+        m_nPort = ntohs(address.sin_port);
+    }
+    ~Listener() { close(m_nSocket); }
+    Listener(const Listener &) = delete;
+    Listener &operator=(const Listener &) = delete;
+
+    bool isReady() const { return m_blReady; }
+    int port() const { return m_nPort; }
+    int connections() const
+    {
+        int nCount = 0;
+        for (int nPeer = accept(m_nSocket, nullptr, nullptr); nPeer >= 0;
+             nPeer = accept(m_nSocket, nullptr, nullptr)) {
+            close(nPeer);
+            ++nCount;
+        }
+        return nCount;
+    }
+
+private:
+    int m_nSocket;
+    int m_nPort = 0;
+    bool m_blReady = false;
+};
+
+class HostileText : public LabelTest
+{
+protected:
+    void SetUp() override
+    {
+        LabelTest::SetUp();
+        QImage image(8, 8, QImage::Format_RGB32);
+        image.fill(Qt::red);
+        m_strImage = m_dir.filePath(QStringLiteral("label-secret.png"));
+        ASSERT_TRUE(image.save(m_strImage));
+        ASSERT_LT(m_strImage.size(), 80);
+    }
+
+    QByteArray imageTag() const { return "<img src=\"file://" + m_strImage.toUtf8() + "\">"; }
+
+    // Shows the text, paints the whole window, and answers with the label's text.
+    QString shown(const QByteArray &abText, int nEncoding = DRAWINFO_ENCODING_UTF8)
+    {
+        TextLook look;
+        look.nEncoding = nEncoding;
+        rebuild({textRecord(abText, look)});
+        m_pWindow->grab();
+        const std::vector<QLabel *> labels = labelsOn(pane());
+        return labels.size() == 1 ? labels[0]->text() : QStringLiteral("not one label");
+    }
+
+    QTemporaryDir m_dir;
+    QString m_strImage;
+};
+XELT_FOR_BOTH_RENDERERS(HostileText);
+
+// The watch notices what a label that follows the markup opens.
+TEST_P(HostileText, RichTextWouldOpenTheFile)
+{
+    const FileWatch watch(m_strImage);
+    ASSERT_TRUE(watch.isReady());
+    QLabel label(QString::fromUtf8(imageTag()));
+    label.grab();
+    EXPECT_TRUE(watch.wasTouched());
+    EXPECT_FALSE(watch.wasTouched());
+}
+
+TEST_P(HostileText, MarkupIsShownAsItIsAndOpensNoFile)
+{
+    const FileWatch watch(m_strImage);
+    ASSERT_TRUE(watch.isReady());
+    const QByteArray abPath = m_strImage.toUtf8();
+    for (const int nEncoding : {int{DRAWINFO_ENCODING_UTF8}, int{DRAWINFO_ENCODING_GBK}, 0}) {
+        for (const QByteArray &abText :
+             {imageTag(), "<img src=\"" + abPath + "\"/>", "<b>x</b><img src=" + abPath + ">",
+              "<p style=\"background-image:url(" + abPath + ")\">x</p>",
+              "<link rel=stylesheet href=\"" + abPath + "\">",
+              "<html><body background=\"file://" + abPath + "\">x"}) {
+            ASSERT_LE(abText.size(), XELT_DRAWINFO_TEXT_SIZE);
+            EXPECT_EQ(shown(abText, nEncoding), QString::fromUtf8(abText));
+        }
+    }
+    EXPECT_FALSE(watch.wasTouched());
+}
+
+TEST_P(HostileText, MarkupThatPlainTextReplacesOpensNoFile)
+{
+    const FileWatch watch(m_strImage);
+    ASSERT_TRUE(watch.isReady());
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(shown(imageTag()), QString::fromUtf8(imageTag()));
+        EXPECT_EQ(shown("plain"), "plain");
+        EXPECT_EQ(labelsOn(pane())[0]->textFormat(), Qt::AutoText);
+    }
+    shown(imageTag());
+    rebuild({});
+    shown("plain");
+    EXPECT_FALSE(watch.wasTouched());
+}
+
+TEST_P(HostileText, MarkupReachesNoNetwork)
+{
+    const Listener listener;
+    ASSERT_TRUE(listener.isReady());
+    const QByteArray abAddress = "http://127.0.0.1:" + QByteArray::number(listener.port());
+    const QByteArray abText = "<img src=\"" + abAddress + "/a.png\"><a href=\"" + abAddress + "\">x</a>";
+    EXPECT_EQ(shown(abText), QString::fromUtf8(abText));
+    EXPECT_EQ(shown("plain"), "plain");
+    drainEvents();
+    EXPECT_EQ(listener.connections(), 0);
+    // And the count is not blind:
+    const int nSocket = socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(static_cast<uint16_t>(listener.port()));
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    EXPECT_EQ(connect(nSocket, reinterpret_cast<sockaddr *>(&address), sizeof(address)), 0);
+    EXPECT_EQ(listener.connections(), 1);
+    close(nSocket);
+}
+
+TEST_P(HostileText, MarkupLooksLikePlainText)
+{
+    const QString strText = QStringLiteral("<b>bold</b> &amp; <br>");
+    shown(strText.toUtf8());
+    QLabel *pLabel = labelsOn(pane())[0];
+    const QImage actual = pLabel->grab().toImage();
+    EXPECT_EQ(pLabel->textFormat(), Qt::PlainText);
+    EXPECT_EQ(pLabel->findChildren<QObject *>().size(), 0) << "a text document is a child of its label";
+
+    QLabel expected(strText, m_pWindow.get());
+    expected.setTextFormat(Qt::PlainText);
+    expected.setAttribute(Qt::WA_TranslucentBackground);
+    expected.setAlignment(pLabel->alignment());
+    expected.setStyleSheet(pLabel->styleSheet());
+    expected.setFont(pLabel->font());
+    expected.setGeometry(pLabel->geometry());
+    EXPECT_EQ(actual, expected.grab().toImage());
+    expected.setTextFormat(Qt::RichText);
+    EXPECT_NE(actual, expected.grab().toImage());
+}
+
+TEST_P(HostileText, NestedTagsCutByTheEndOfTheField)
+{
+    QByteArray abText;
+    while (abText.size() < XELT_DRAWINFO_TEXT_SIZE) {
+        abText += "<table><tr><td>";
+    }
+    abText.truncate(XELT_DRAWINFO_TEXT_SIZE);
+    EXPECT_EQ(shown(abText), QString::fromLatin1(abText));
+    abText = QByteArray(XELT_DRAWINFO_TEXT_SIZE, '<');
+    EXPECT_EQ(shown(abText), QString::fromLatin1(abText));
+}
+
+TEST_P(HostileText, PlainTextStaysExact)
+{
+    for (const char *pszText :
+         {"a < b && c > d", "&File", "50 %1 %n %s", "a\nb\r\n\tc", " leading and trailing ", "\x01\x7F",
+          "{}\\n\"'", "<", "<3", "&lt;b&gt;", "100%",
+          "\xE2\x80\xAE\xE2\x80\x8F"
+          "abc"}) {
+        EXPECT_EQ(shown(pszText), QString::fromUtf8(pszText));
+    }
+}
+
+} // namespace
