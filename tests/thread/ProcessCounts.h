@@ -1,0 +1,30 @@
+// What a process holds: to be the same after panes have come and gone.
+#pragma once
+
+#include <QOpenGLContext>
+
+#include <cstddef>
+
+namespace xelttest {
+
+// Entries of the process's table of open files.
+int openFiles();
+// Bytes that the allocator has handed out and not got back.
+size_t heapInUse();
+size_t residentBytes();
+// Whether a sanitizer's allocator is in use, which keeps freed memory for a while.
+bool hasSanitizerAllocator();
+
+// Textures, programs and shaders with small names that exist in the context's share group. Needs the context
+// current; GUI thread.
+struct GlObjects
+{
+    int nTextures = 0;
+    int nPrograms = 0;
+    int nShaders = 0;
+
+    bool operator==(const GlObjects &other) const;
+};
+GlObjects glObjects(QOpenGLContext &context);
+
+} // namespace xelttest
