@@ -1,0 +1,6 @@
+#include <XeltRender.hpp>
+
+int main()
+{
+    return xelt::Renderer().widgetRect() ? 1 : 0;
+}

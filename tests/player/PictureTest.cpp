@@ -1,0 +1,234 @@
+// What is on the screen, read off the player's screenshots.
+#include "Clips.h"
+#include "PlayerRun.h"
+
+#include <gtest/gtest.h>
+
+#include <QColor>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdlib>
+#include <functional>
+
+namespace {
+
+constexpr int kTolerance = 3; // of 255, for each component
+
+QRgb rgb(double red, double green, double blue)
+{
+    const auto component = [](double value) {
+        return static_cast<int>(std::lround(std::clamp(value, 0.0, 255.0)));
+    };
+    return qRgb(component(red), component(green), component(blue));
+}
+
+// Limited-range planes as the renderer's two conversions show them.
+QRgb yv12Color(const Clips::Yuv &yuv)
+{
+    const double u = yuv.nU - 127.5;
+    const double v = yuv.nV - 127.5;
+    return rgb(yuv.nY + 1.4075 * v, yuv.nY - 0.3455 * u - 0.7169 * v, yuv.nY + 1.779 * u);
+}
+
+QRgb nv12Color(const Clips::Yuv &yuv)
+{
+    const double y = yuv.nY - 0.0625 * 255.0;
+    const double u = yuv.nU - 127.5;
+    const double v = yuv.nV - 127.5;
+    return rgb(y + 1.13983 * v, y - 0.39465 * u - 0.58060 * v, y + 2.03211 * u);
+}
+
+bool isNear(QRgb one, QRgb other, int nTolerance = kTolerance)
+{
+    return std::abs(qRed(one) - qRed(other)) <= nTolerance &&
+           std::abs(qGreen(one) - qGreen(other)) <= nTolerance &&
+           std::abs(qBlue(one) - qBlue(other)) <= nTolerance;
+}
+
+void expectColor(const QImage &image, int x, int y, QRgb expected)
+{
+    ASSERT_TRUE(image.rect().contains(x, y));
+    EXPECT_TRUE(isNear(image.pixel(x, y), expected))
+        << "at " << x << ',' << y << ": " << qPrintable(QColor(image.pixel(x, y)).name()) << " instead of "
+        << qPrintable(QColor(expected).name());
+}
+
+// Places in order: top left, top right, bottom left, bottom right, in the middle of the quarters of `area`.
+void expectQuarters(const QImage &image, const QRect &area, const std::array<int, 4> &order,
+                    const std::function<QRgb(const Clips::Yuv &)> &color = yv12Color)
+{
+    for (int i = 0; i < 4; ++i) {
+        const int x = area.x() + area.width() * (i % 2 == 0 ? 1 : 3) / 4;
+        const int y = area.y() + area.height() * (i < 2 ? 1 : 3) / 4;
+        expectColor(image, x, y, color(Clips::kQuarters[order[static_cast<std::size_t>(i)]]));
+    }
+}
+
+QImage shot(const QString &sFile, const char *pOptions)
+{
+    QStringList asArguments{sFile, QStringLiteral("--frames"), QStringLiteral("3"), QStringLiteral("--size"),
+                            QStringLiteral("640x480")};
+    asArguments += QString::fromLatin1(pOptions).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    return screenshotOf(asArguments);
+}
+
+int countNear(const QImage &image, const QRect &area, QRgb color, int nTolerance)
+{
+    int nCount = 0;
+    for (int y = area.top(); y <= area.bottom(); ++y) {
+        for (int x = area.left(); x <= area.right(); ++x) {
+            nCount += isNear(image.pixel(x, y), color, nTolerance) ? 1 : 0;
+        }
+    }
+    return nCount;
+}
+
+constexpr std::array<int, 4> kUpright{0, 1, 2, 3};
+const QRect kWhole(0, 0, 640, 480);
+
+} // namespace
+
+TEST(Picture, yv12)
+{
+    const QImage image = shot(Clips::quarters(), "");
+    ASSERT_EQ(image.size(), QSize(640, 480));
+    expectQuarters(image, kWhole, kUpright);
+}
+
+TEST(Picture, yv12OnDesktopGl)
+{
+    const QImage image = shot(Clips::quarters(), "--desktop-gl");
+    ASSERT_EQ(image.size(), QSize(640, 480));
+    expectQuarters(image, kWhole, kUpright);
+}
+
+TEST(Picture, bothNv12LayoutsAreTheSame)
+{
+    const QImage packed = shot(Clips::quarters(), "--format nv12");
+    expectQuarters(packed, kWhole, kUpright, nv12Color);
+    const QImage padded = shot(Clips::quarters(), "--format nv12-padded");
+    EXPECT_EQ(packed, padded);
+}
+
+TEST(Picture, turnedAndMirrored)
+{
+    const struct
+    {
+        const char *pOptions;
+        std::array<int, 4> order;
+    } aCases[] = {
+        {"--fill --rotate 90", {2, 0, 3, 1}},
+        {"--fill --rotate 90 --ccw", {1, 3, 0, 2}},
+        {"--fill --rotate 180", {3, 2, 1, 0}},
+        {"--fill --rotate 270", {1, 3, 0, 2}},
+        {"--fill --mirror h", {1, 0, 3, 2}},
+        {"--fill --mirror v", {2, 3, 0, 1}},
+        {"--fill --rotate 90 --mirror h", {0, 2, 1, 3}},
+        {"--fill --rotate 90 --mirror h --format nv12-padded", {0, 2, 1, 3}},
+    };
+    for (const auto &entry : aCases) {
+        SCOPED_TRACE(entry.pOptions);
+        const bool blNv12 = QLatin1String(entry.pOptions).contains(QLatin1String("nv12"));
+        expectQuarters(shot(Clips::quarters(), entry.pOptions), kWhole, entry.order,
+                       blNv12 ? nv12Color : yv12Color);
+    }
+}
+
+// On a quarter turn the player sees to the proportions itself: 480 high, 360 wide, in the middle.
+TEST(Picture, turnedInItsOwnProportions)
+{
+    const QImage image = shot(Clips::quarters(), "--rotate 90");
+    expectQuarters(image, QRect(140, 0, 360, 480), {2, 0, 3, 1});
+    for (const int x : {0, 70, 136, 504, 570, 639}) {
+        expectColor(image, x, 240, qRgb(0, 0, 0));
+    }
+    expectColor(image, 144, 120, yv12Color(Clips::kQuarters[2]));
+    expectColor(image, 495, 120, yv12Color(Clips::kQuarters[0]));
+}
+
+TEST(Picture, keepsItsProportionsInAWideWindow)
+{
+    const QImage image = shot(Clips::quarters(), "--size 900x480");
+    ASSERT_EQ(image.size(), QSize(900, 480));
+    expectQuarters(image, QRect(130, 0, 640, 480), kUpright);
+    expectColor(image, 120, 240, qRgb(0, 0, 0));
+    expectColor(image, 780, 240, qRgb(0, 0, 0));
+}
+
+TEST(Picture, destinationRectangle)
+{
+    const QImage image = shot(Clips::quarters(), "--rect 100,50,299,249");
+    expectQuarters(image, QRect(100, 50, 200, 200), kUpright);
+    for (const QPoint &point : {QPoint(96, 150), QPoint(303, 150), QPoint(200, 46), QPoint(200, 253)}) {
+        expectColor(image, point.x(), point.y(), qRgb(0, 0, 0));
+    }
+}
+
+TEST(Picture, zoom)
+{
+    const QImage image = shot(Clips::quarters(), "--zoom 0.5,0,1,0.5");
+    for (const QPoint &point : {QPoint(20, 20), QPoint(620, 20), QPoint(320, 240), QPoint(620, 440)}) {
+        expectColor(image, point.x(), point.y(), yv12Color(Clips::kQuarters[1]));
+    }
+}
+
+TEST(Picture, panesStandInAGrid)
+{
+    const QImage image =
+        screenshotOf({Clips::quarters(), Clips::grey(), QStringLiteral("--panes"), QStringLiteral("4"),
+                      QStringLiteral("--frames"), QStringLiteral("3"), QStringLiteral("--size"),
+                      QStringLiteral("642x482"), QStringLiteral("--fill")});
+    ASSERT_EQ(image.size(), QSize(642, 482));
+    expectQuarters(image, QRect(0, 0, 320, 240), kUpright);
+    expectColor(image, 322 + 160, 120, yv12Color(Clips::kGrey));
+    expectQuarters(image, QRect(0, 242, 320, 240), kUpright);
+    expectColor(image, 322 + 160, 242 + 120, yv12Color(Clips::kGrey));
+}
+
+class Overlay : public testing::TestWithParam<const char *>
+{
+};
+
+TEST_P(Overlay, shapesAndTextsAreThere)
+{
+    const QRgb grey = yv12Color(Clips::kGrey);
+    const QRgb redOverGrey = rgb((255 + qRed(grey)) / 2.0, qGreen(grey) / 2.0, qBlue(grey) / 2.0);
+    const QByteArray off(GetParam());
+    const QImage without = shot(Clips::grey(), off);
+    const QImage with = shot(Clips::grey(), QByteArray("--overlay ") + off);
+    const struct
+    {
+        const char *pWhat;
+        QRgb color;
+        int nLeast;
+    } aShapes[] = {
+        {"the wave", qRgb(255, 255, 0), 1500},
+        {"the box", qRgb(0, 255, 0), 800},
+        {"the hexagon", qRgb(0, 255, 255), 300},
+        {"the half-transparent area", redOverGrey, 10000},
+    };
+    for (const auto &entry : aShapes) {
+        SCOPED_TRACE(entry.pWhat);
+        EXPECT_EQ(countNear(without, kWhole, entry.color, 2), 0);
+        EXPECT_GE(countNear(with, kWhole, entry.color, 2), entry.nLeast);
+    }
+    const struct
+    {
+        const char *pWhat;
+        QRect area;
+        QRgb color;
+    } aTexts[] = {
+        {"the name", QRect(0, 0, 320, 50), qRgb(255, 255, 255)},
+        {"the Chinese text", QRect(480, 0, 160, 50), qRgb(255, 192, 64)},
+        {"the time", QRect(0, 430, 320, 50), qRgb(128, 255, 128)},
+    };
+    for (const auto &entry : aTexts) {
+        SCOPED_TRACE(entry.pWhat);
+        EXPECT_EQ(countNear(without, entry.area, entry.color, 40), 0);
+        EXPECT_GE(countNear(with, entry.area, entry.color, 40), 30);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Gl, Overlay, testing::Values("", "--desktop-gl"));
