@@ -37,7 +37,7 @@ CLS_ShaderYuv::~CLS_ShaderYuv()
         FreeFrameBuffer();
         m_nVideoWidth = 0;
         m_nVideoHeight = 0;
-        ReleaseGLResource();
+        CLS_ShaderYuv::ReleaseGLResource();
         Q_EMIT signalUpdate();
     }
     m_pD3D11EGL.reset();

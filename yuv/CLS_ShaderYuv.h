@@ -91,11 +91,14 @@ protected:
 private:
     // False (and logged) when a texture cannot be allocated; those made so far are kept.
     bool CreateTextures(const char *pszFunction, bool blThirdPlane);
+    // Whether the buffer holds the whole frame and the driver has textures of its size.
+    bool CanUpload() const;
     void PrepareQuad(geometry::QuadVertices &afPositions);
     void UploadPlane(uint32_t nUnit, uint32_t nTexture, uint32_t nFormat, int32_t nWidth, int32_t nHeight,
                      const uint8_t *pPixels);
     bool BindPictureProgram();
     void OnContextLost();
 
+    int32_t m_nMaxTextureSize = 0; // of the context that the textures belong to
     yuv::RetiredObjects m_retired; // guarded by m_mutexFrame
 };

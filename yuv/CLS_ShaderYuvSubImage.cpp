@@ -32,7 +32,7 @@ CLS_ShaderYuvSubImage::~CLS_ShaderYuvSubImage()
     if (context() != nullptr) {
         disconnect(context(), &QOpenGLContext::aboutToBeDestroyed, this, nullptr);
     }
-    UnInit();
+    CLS_ShaderYuvSubImage::UnInit();
     m_retired.DestroyAll();
     m_pD3D11EGL.reset();
     doneCurrent();
@@ -138,7 +138,7 @@ void CLS_ShaderYuvSubImage::ClearDraw()
 int32_t CLS_ShaderYuvSubImage::UnInit()
 {
     const QMutexLocker locker(&m_mutexFrame);
-    ReleaseGLResource();
+    CLS_ShaderYuvSubImage::ReleaseGLResource(); // the destructor comes here too
     FreeFrameBuffer();
     m_nVideoWidth = 0;
     m_nVideoHeight = 0;

@@ -80,10 +80,10 @@ int DrawInfoPainter::MapPoints(const XeltDrawInfo &record, const geometry::Point
 {
     m_afVertices.fill(0.0f);
     const int nPoints = ReadablePoints(record);
+    float *pfVertex = m_afVertices.data();
     for (int i = 0; i < nPoints; ++i) {
-        const auto nAt = static_cast<size_t>(2 * i);
-        m_afVertices[nAt] = mapping.mapX(record.aPoints[i].x);
-        m_afVertices[nAt + 1] = mapping.mapY(record.aPoints[i].y);
+        *pfVertex++ = mapping.mapX(record.aPoints[i].x);
+        *pfVertex++ = mapping.mapY(record.aPoints[i].y);
     }
     return nPoints;
 }

@@ -73,6 +73,13 @@ void DestroyTexture(std::unique_ptr<QOpenGLTexture> &pTexture)
     }
 }
 
+GLint MaxTextureSize(QOpenGLExtraFunctions &gl)
+{
+    GLint nSize = 0;
+    gl.glGetIntegerv(GL_MAX_TEXTURE_SIZE, &nSize);
+    return nSize;
+}
+
 void SetPlaneSampling(QOpenGLExtraFunctions &gl)
 {
     gl.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);

@@ -28,6 +28,8 @@ std::unique_ptr<QOpenGLTexture> NewTexture();
 // Gives it its name, which is returned.
 GLuint CreateTexture(QOpenGLTexture &texture);
 void DestroyTexture(std::unique_ptr<QOpenGLTexture> &pTexture);
+// The largest width and height of a texture in the current context.
+GLint MaxTextureSize(QOpenGLExtraFunctions &gl);
 // Linear filters and clamped edges for the texture that is bound.
 void SetPlaneSampling(QOpenGLExtraFunctions &gl);
 

@@ -22,10 +22,18 @@ void CopyRows(const FrameTarget &target, size_t nOffset, const uint8_t *pSource,
         CopyBytes(target, nOffset, pSource, nWidth * nRows);
         return;
     }
-    for (size_t i = 0; i < nRows && nOffset < target.nBytes; ++i) {
-        CopyBytes(target, nOffset, pSource, nWidth);
-        nOffset += nWidth;
+    if (nOffset >= target.nBytes) {
+        return;
+    }
+    const size_t nWholeRows = std::min(nRows, (target.nBytes - nOffset) / nWidth);
+    uint8_t *pTarget = target.pBytes + nOffset;
+    for (size_t i = 0; i < nWholeRows; ++i) {
+        std::memcpy(pTarget, pSource, nWidth);
+        pTarget += nWidth;
         pSource += nPitch;
+    }
+    if (nWholeRows < nRows) {
+        CopyBytes(target, nOffset + nWholeRows * nWidth, pSource, nWidth);
     }
 }
 

@@ -149,8 +149,7 @@ bool CLS_ShaderYuvSubImage::EnsureTextures(uint32_t nChromaFormat)
     if (m_szTextures == szLuma) {
         return true;
     }
-    GLint nLargest = 0;
-    glGetIntegerv(GL_MAX_TEXTURE_SIZE, &nLargest);
+    const GLint nLargest = yuv::MaxTextureSize(*this);
     if (szLuma.width() > nLargest || szLuma.height() > nLargest) {
         return false;
     }

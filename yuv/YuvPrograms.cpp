@@ -58,7 +58,13 @@ bool CLS_ShaderYuv::CreateTextures(const char *pszFunction, bool blThirdPlane)
     if (blThirdPlane) {
         m_nTexIdV = yuv::CreateTexture(*m_pTexV);
     }
+    m_nMaxTextureSize = yuv::MaxTextureSize(*this);
     return true;
+}
+
+bool CLS_ShaderYuv::CanUpload() const
+{
+    return HoldsWholeFrame() && m_nVideoWidth <= m_nMaxTextureSize && m_nVideoHeight <= m_nMaxTextureSize;
 }
 
 void CLS_ShaderYuv::PrepareQuad(geometry::QuadVertices &afPositions)
@@ -80,7 +86,7 @@ void CLS_ShaderYuv::UploadPlane(uint32_t nUnit, uint32_t nTexture, uint32_t nFor
 
 void CLS_ShaderYuv::DrawYV12()
 {
-    if (m_pFrameBuffer == nullptr || m_nTexIdV == 0 || !HoldsWholeFrame()) {
+    if (m_pFrameBuffer == nullptr || m_nTexIdV == 0 || !CanUpload()) {
         return;
     }
     const size_t nLuma = static_cast<size_t>(m_nVideoWidth) * static_cast<size_t>(m_nVideoHeight);
@@ -100,13 +106,13 @@ void CLS_ShaderYuv::DrawYV12()
 
 void CLS_ShaderYuv::DrawNV12()
 {
-    if (m_pPlaneY == nullptr || m_pPlaneUV == nullptr || m_nTexIdU == 0 || !HoldsWholeFrame()) {
+    if (m_pPlaneY == nullptr || m_pPlaneUV == nullptr || m_nTexIdU == 0 || !CanUpload()) {
         return;
     }
     geometry::QuadVertices afPositions;
     PrepareQuad(afPositions);
-    // The unpack alignment is left at its default of 4, deliberately; the frame buffer has spare bytes for
-    // it.
+    // The unpack alignment is left as it is, deliberately: the default of 4, for which the frame buffer has
+    // spare bytes, or the 1 of an earlier YV12 picture.
     UploadPlane(0, m_nTexIdY, GL_RED, m_nVideoWidth, m_nVideoHeight, m_pPlaneY);
     UploadPlane(1, m_nTexIdU, GL_RG, m_nVideoWidth >> 1, m_nVideoHeight >> 1, m_pPlaneUV);
     glUniform1i(m_nLocTexY, 0);

@@ -137,22 +137,6 @@ TEST_F(SubImageSizeTest, AFrameWithoutPixelsInANewSizeIsAZeroedOne)
     EXPECT_GT(at(80, 50)[1], 100) << "zeroed planes are green";
 }
 
-TEST_F(SubImageSizeTest, SizesThatNoTextureHasShowNothing)
-{
-    for (const QSize &size : {QSize(100000, 2), QSize(2, 100000), QSize(700000000, 1), QSize(1, 700000000)}) {
-        HostFrame frame = ofType(VIDEO_DISPLAY_YV12);
-        frame.desc.iWidth = size.width();
-        frame.desc.iHeight = size.height();
-        frame.desc.pFrameData = nullptr;
-        ASSERT_EQ(show(handle(), frame), 0);
-        EXPECT_TRUE(isBlack(picture())) << sizeName(size);
-        EXPECT_TRUE(noGlError()) << sizeName(size);
-        forgetFrame();
-        submit(ofType(VIDEO_DISPLAY_YV12));
-        EXPECT_TRUE(matches());
-    }
-}
-
 // A shorter length than the picture's: not even textures are made for it.
 TEST_F(SubImageSizeTest, AHugeSizeWithAShortLengthLeavesNoGlError)
 {

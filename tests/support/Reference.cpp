@@ -97,8 +97,9 @@ public:
         m_conversion.dOffset = (blNv12 ? k_nv12 : k_yv12).dOffset - faults.dBlackLevel;
         m_conversion.dRedV += faults.dCoefficientOff;
         if (blNv12) {
-            m_aTextures.push_back(readTexture(buffer, 0, nWidth, nHeight, 1, 4));
-            m_aTextures.push_back(readTexture(buffer, nLuma, nWidth / 2, nHeight / 2, 2, 4));
+            m_aTextures.push_back(readTexture(buffer, 0, nWidth, nHeight, 1, buffer.nNv12Alignment));
+            m_aTextures.push_back(
+                readTexture(buffer, nLuma, nWidth / 2, nHeight / 2, 2, buffer.nNv12Alignment));
         } else {
             m_aTextures.push_back(readTexture(buffer, 0, nWidth, nHeight, 1, 1));
             m_aTextures.push_back(readTexture(buffer, nLuma, nWidth / 2, nHeight / 2, 1, 1));

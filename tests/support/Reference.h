@@ -26,6 +26,7 @@ struct BufferModel
     int nWidth = 0;
     int nHeight = 0;
     int nAskedSize = 0;          // nDataLen of the frame that the buffer was made for
+    int nNv12Alignment = 4;      // of rows in uploads; a YV12 paint in the same context leaves 1
     std::vector<uint8_t> aBytes; // what lies beyond reads as zero
 
     // Whether the planes that the type uploads lie wholly inside.

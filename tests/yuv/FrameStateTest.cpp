@@ -324,6 +324,40 @@ TEST_F(FrameStateTest, ANv12LengthSizesTheBufferAndNotTheCopy)
     }
 }
 
+TEST_F(FrameStateTest, SizesThatNoTextureHasShowNothing)
+{
+    for (const int nType : {VIDEO_DISPLAY_YV12, VIDEO_DISPLAY_NV12}) {
+        for (const QSize &size :
+             {QSize(100000, 2), QSize(2, 100000), QSize(700000000, 1), QSize(1, 700000000)}) {
+            HostFrame frame = ofType(nType);
+            frame.desc.pFrameData = nullptr;
+            frame.desc.iWidth = size.width();
+            frame.desc.iHeight = size.height();
+            ASSERT_EQ(show(handle(), frame), 0);
+            EXPECT_TRUE(isBlack(picture())) << sizeName(size) << " of type " << nType;
+            m_model = {};
+            submit(yv12Frame(planes()));
+            EXPECT_TRUE(matches(k_scaled)) << sizeName(size) << " of type " << nType;
+        }
+    }
+}
+
+// The alignment is state of the context: NV12 leaves it alone, so what YV12 sets stays. The rows of an NV12
+// picture of odd width are then read as they lie, and without YV12 before it they are skewed.
+TEST_F(FrameStateTest, Nv12RowsAreReadWithTheAlignmentThatYv12Left)
+{
+    const HostFrame odd = nv12Frame(makePlanes(Pattern::Card, 97, 64));
+    submit(odd);
+    EXPECT_TRUE(matches(k_scaled, "skewed"));
+    const QImage skewed = picture();
+    submit(yv12Frame(planes()));
+    EXPECT_TRUE(matches(k_scaled, "yv12"));
+    submit(odd);
+    m_model.nNv12Alignment = 1;
+    EXPECT_TRUE(matches(k_scaled, "straight"));
+    EXPECT_NE(picture(), skewed);
+}
+
 TEST_F(FrameStateTest, PaddedNv12WithAShortLengthReadsAndShowsNothingForeign)
 {
     HostFrame frame = nv12Frame(planes(), {160, false});
