@@ -19,7 +19,7 @@ QString clipFolder()
     const QStringList astrRoots{QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation),
                                 QDir::tempPath()};
     for (const QString &strRoot : astrRoots) {
-        const QString strFolder = strRoot + QStringLiteral("/xeltplay");
+        QString strFolder = strRoot + QStringLiteral("/xeltplay");
         if (!strRoot.isEmpty() && QDir().mkpath(strFolder) && QFileInfo(strFolder).isWritable()) {
             return strFolder;
         }

@@ -40,22 +40,22 @@ xelt::Renderer createRenderer(const Options &options, QLayout *pLayout)
 
 } // namespace
 
-Pane::Pane(int nNumber, const QString &strFile, const Options &options, QLayout *pLayout)
+Pane::Pane(int nNumber, const QString &strFile, const Options &options, QLayout *pLayout, QWidget *pTextLayer)
     : m_nNumber(nNumber),
       m_strFile(strFile),
       m_view(options.view),
       m_renderer(createRenderer(options, pLayout)),
       m_feeder(paneName(nNumber, strFile), [this] { return m_thread.position(); }),
       m_thread(decodeSettings(strFile, options), m_renderer),
-      m_blLabelParent(options.blLabelParent),
+      m_pTextLayer(pTextLayer),
       m_blOverlay(options.blOverlay)
 {
     if (!isValid()) {
         return;
     }
     m_feeder.setEnabled(m_blOverlay);
-    if (m_blLabelParent) {
-        m_renderer.setLabelParent(widget()->window());
+    if (m_pTextLayer != nullptr) {
+        m_renderer.setLabelParent(m_pTextLayer);
     }
     m_renderer.setDrawInfoCallback(m_feeder.callback());
     m_pRubberBand = new QRubberBand(QRubberBand::Rectangle, widget());
@@ -148,7 +148,8 @@ void Pane::onResized()
 
 void Pane::placeTexts()
 {
-    const QPoint origin = m_blLabelParent ? widget()->mapTo(widget()->window(), QPoint(0, 0)) : QPoint(0, 0);
+    const QPoint origin =
+        m_pTextLayer != nullptr ? widget()->mapTo(widget()->window(), QPoint(0, 0)) : QPoint(0, 0);
     m_feeder.setTextArea(QRect(origin, widget()->size()));
 }
 

@@ -18,8 +18,9 @@ class Pane : public QObject
     Q_OBJECT
 
 public:
-    // nNumber counts from 1. Check isValid() afterwards.
-    Pane(int nNumber, const QString &strFile, const Options &options, QLayout *pLayout);
+    // nNumber counts from 1. Texts go onto pTextLayer, a widget over the whole window that outlives the pane,
+    // or onto the pane itself when that is null. Check isValid() afterwards.
+    Pane(int nNumber, const QString &strFile, const Options &options, QLayout *pLayout, QWidget *pTextLayer);
 
     // Ends decoding first, then the renderer.
     ~Pane() override;
@@ -72,7 +73,7 @@ private:
     QPoint m_dragStart;
     QSize m_picture; // empty until one is shown
     qint64 m_nPainted = 0;
-    const bool m_blLabelParent;
+    QWidget *const m_pTextLayer;
     bool m_blOverlay = false;
     bool m_blStopped = false;
 };

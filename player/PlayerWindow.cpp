@@ -36,8 +36,16 @@ PlayerWindow::PlayerWindow(const Options &options) : m_options(options)
     auto *pGrid = new QGridLayout(this);
     pGrid->setContentsMargins(0, 0, 0, 0);
     pGrid->setSpacing(kGap);
+    if (options.blLabelParent) {
+        // Labels go to the bottom of their parent's children: right on the window the panes would hide them.
+        m_pTextLayer = new QWidget(this);
+        m_pTextLayer->setAttribute(Qt::WA_TransparentForMouseEvents);
+    }
     for (int i = 0; i < options.nPanes; ++i) {
         addPane(i, pGrid);
+    }
+    if (m_pTextLayer != nullptr) {
+        m_pTextLayer->raise();
     }
     m_pHelp = new HelpOverlay(this);
     m_endTimer.setSingleShot(true);
@@ -59,7 +67,7 @@ void PlayerWindow::addPane(int nIndex, QGridLayout *pGrid)
     pGrid->setRowStretch(nIndex / nColumns, 1);
     pGrid->setColumnStretch(nIndex % nColumns, 1);
     const QString &strFile = m_options.astrFiles[nIndex % m_options.astrFiles.size()];
-    auto pPane = std::make_unique<Pane>(nIndex + 1, strFile, m_options, pCell);
+    auto pPane = std::make_unique<Pane>(nIndex + 1, strFile, m_options, pCell, m_pTextLayer);
     connect(pPane.get(), &Pane::ended, this, [this, p = pPane.get()] { onPaneEnded(*p); });
     m_apPanes.push_back(std::move(pPane));
 }
@@ -134,6 +142,14 @@ void PlayerWindow::closeEvent(QCloseEvent *pEvent)
 {
     finish();
     pEvent->accept();
+}
+
+void PlayerWindow::resizeEvent(QResizeEvent *pEvent)
+{
+    QWidget::resizeEvent(pEvent);
+    if (m_pTextLayer != nullptr) {
+        m_pTextLayer->setGeometry(rect());
+    }
 }
 
 void PlayerWindow::keyPressEvent(QKeyEvent *pEvent)

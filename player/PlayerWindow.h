@@ -32,6 +32,7 @@ public:
 
 protected:
     void keyPressEvent(QKeyEvent *pEvent) override;
+    void resizeEvent(QResizeEvent *pEvent) override;
     void closeEvent(QCloseEvent *pEvent) override;
 
 private:
@@ -49,6 +50,7 @@ private:
 
     const Options m_options;
     std::vector<std::unique_ptr<Pane>> m_apPanes;
+    QWidget *m_pTextLayer = nullptr; // the window's, over the panes; null where each carries its own texts
     HelpOverlay *m_pHelp;
     QTimer m_endTimer;
     std::set<int> m_setReported; // panes whose problem has been told

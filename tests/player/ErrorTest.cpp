@@ -46,6 +46,7 @@ TEST(Errors, commandLine)
         {"--seconds inf", "--seconds"},
         {"--log loud", "--log"},
         {"--format jpeg", "--format takes yv12, nv12, nv12-padded, d3d11, not 'jpeg'"},
+        {"--renderer gl", "--renderer takes yuv, subimage, not 'gl'"},
         {"--panes 1 one.mp4 two.mp4", "2 files"},
     };
     for (const auto &entry : aCases) {

@@ -88,6 +88,25 @@ int countNear(const QImage &image, const QRect &area, QRgb color, int nTolerance
 constexpr std::array<int, 4> kUpright{0, 1, 2, 3};
 const QRect kWhole(0, 0, 640, 480);
 
+void expectTexts(const QImage &without, const QImage &with)
+{
+    const struct
+    {
+        const char *pWhat;
+        QRect area;
+        QRgb color;
+    } aTexts[] = {
+        {"the name", QRect(0, 0, 320, 50), qRgb(255, 255, 255)},
+        {"the Chinese text", QRect(480, 0, 160, 50), qRgb(255, 192, 64)},
+        {"the time", QRect(0, 430, 320, 50), qRgb(128, 255, 128)},
+    };
+    for (const auto &entry : aTexts) {
+        SCOPED_TRACE(entry.pWhat);
+        EXPECT_EQ(countNear(without, entry.area, entry.color, 40), 0);
+        EXPECT_GE(countNear(with, entry.area, entry.color, 40), 30);
+    }
+}
+
 } // namespace
 
 TEST(Picture, yv12)
@@ -214,21 +233,55 @@ TEST_P(Overlay, shapesAndTextsAreThere)
         EXPECT_EQ(countNear(without, kWhole, entry.color, 2), 0);
         EXPECT_GE(countNear(with, kWhole, entry.color, 2), entry.nLeast);
     }
-    const struct
-    {
-        const char *pWhat;
-        QRect area;
-        QRgb color;
-    } aTexts[] = {
-        {"the name", QRect(0, 0, 320, 50), qRgb(255, 255, 255)},
-        {"the Chinese text", QRect(480, 0, 160, 50), qRgb(255, 192, 64)},
-        {"the time", QRect(0, 430, 320, 50), qRgb(128, 255, 128)},
-    };
-    for (const auto &entry : aTexts) {
-        SCOPED_TRACE(entry.pWhat);
-        EXPECT_EQ(countNear(without, entry.area, entry.color, 40), 0);
-        EXPECT_GE(countNear(with, entry.area, entry.color, 40), 30);
-    }
+    expectTexts(without, with);
 }
 
 INSTANTIATE_TEST_SUITE_P(Gl, Overlay, testing::Values("", "--desktop-gl"));
+
+TEST(Picture, textsOnTheWindow)
+{
+    for (const char *pRenderer : {"yuv", "subimage"}) {
+        SCOPED_TRACE(pRenderer);
+        const QByteArray options = QByteArray("--renderer ") + pRenderer;
+        const QImage with = shot(Clips::grey(), options + " --overlay --label-parent");
+        expectTexts(shot(Clips::grey(), options), with);
+        EXPECT_EQ(countNear(with, kWhole, qRgb(40, 40, 40), 2), 0) << "the window's own colour shows";
+    }
+}
+
+TEST(Picture, textsOfEachPaneOnTheWindow)
+{
+    const QImage image = screenshotOf(
+        {Clips::grey(), QStringLiteral("--panes"), QStringLiteral("4"), QStringLiteral("--frames"),
+         QStringLiteral("3"), QStringLiteral("--size"), QStringLiteral("642x482"), QStringLiteral("--fill"),
+         QStringLiteral("--overlay"), QStringLiteral("--label-parent")});
+    for (const QPoint &corner : {QPoint(0, 0), QPoint(322, 0), QPoint(0, 242), QPoint(322, 242)}) {
+        EXPECT_GE(countNear(image, QRect(corner, QSize(160, 50)), qRgb(255, 255, 255), 40), 30)
+            << "the name of the pane at " << corner.x() << ',' << corner.y();
+    }
+}
+
+// The sub-image renderer: no turn, no placement, the zoom window all the same.
+TEST(Picture, subImageRenderer)
+{
+    expectQuarters(shot(Clips::quarters(), "--renderer subimage"), kWhole, kUpright);
+    expectQuarters(shot(Clips::quarters(), "--renderer subimage --format nv12-padded"), kWhole, kUpright,
+                   nv12Color);
+    expectQuarters(
+        shot(Clips::quarters(), "--renderer subimage --rotate 90 --mirror h --rect 100,50,299,249"), kWhole,
+        kUpright);
+    const QImage zoomed = shot(Clips::quarters(), "--renderer subimage --zoom 0.5,0,1,0.5");
+    for (const QPoint &point : {QPoint(20, 20), QPoint(620, 440)}) {
+        expectColor(zoomed, point.x(), point.y(), yv12Color(Clips::kQuarters[1]));
+    }
+}
+
+TEST(Picture, overlayOfTheSubImageRenderer)
+{
+    const QImage without = shot(Clips::grey(), "--renderer subimage");
+    const QImage with = shot(Clips::grey(), "--renderer subimage --overlay");
+    EXPECT_EQ(countNear(without, kWhole, qRgb(255, 255, 0), 2), 0);
+    EXPECT_GE(countNear(with, kWhole, qRgb(255, 255, 0), 2), 1500);
+    EXPECT_GE(countNear(with, kWhole, qRgb(255, 0, 0), 2), 10000) << "filled areas are opaque here";
+    expectTexts(without, with);
+}
