@@ -6,7 +6,8 @@
 #
 #   One executable `name`, put into XELT_TEST_BIN_DIR beside the recording core library, and for each GL
 #   flavour, scale factor and shard one CTest entry: name.es, name.desktop, name.es.scale2, name.es.1of4 ...
-#   GL none (the default) runs once, without a display and without a QApplication.
+#   GL none (the default) runs once, without a display and without a QApplication; the flavours run on a
+#   display of their own.
 #   WHITEBOX links the library's objects instead of the shared library, to reach what is not exported.
 #   OWN_MAIN leaves out the main of tests/support.
 #   TIMEOUT is for an ordinary build; sanitizer builds get six times as long.
@@ -49,8 +50,12 @@ function(xelt_test_environment VARIABLE FLAVOUR)
   set(${VARIABLE} "${environment}" PARENT_SCOPE)
 endfunction()
 
-function(_xelt_register_test NAME ENTRY LABEL TIMEOUT ENVIRONMENT)
-  add_test(NAME ${ENTRY} COMMAND ${NAME} WORKING_DIRECTORY ${XELT_TEST_BIN_DIR})
+function(_xelt_register_test NAME ENTRY FLAVOUR LABEL TIMEOUT ENVIRONMENT)
+  set(launcher "")
+  if(NOT FLAVOUR STREQUAL "none")
+    set(launcher ${PROJECT_SOURCE_DIR}/tests/support/on-own-display.sh)
+  endif()
+  add_test(NAME ${ENTRY} COMMAND ${launcher} $<TARGET_FILE:${NAME}> WORKING_DIRECTORY ${XELT_TEST_BIN_DIR})
   set_tests_properties(${ENTRY} PROPERTIES LABELS ${LABEL} TIMEOUT ${TIMEOUT} ENVIRONMENT "${ENVIRONMENT}")
 endfunction()
 
@@ -118,7 +123,7 @@ function(xelt_add_test)
           string(APPEND shardEntry ".${shard}of${ARG_SHARDS}")
           list(APPEND shardEnvironment "GTEST_TOTAL_SHARDS=${ARG_SHARDS}" "GTEST_SHARD_INDEX=${index}")
         endif()
-        _xelt_register_test(${ARG_NAME} ${shardEntry} ${ARG_LABEL} ${ARG_TIMEOUT} "${shardEnvironment}")
+        _xelt_register_test(${ARG_NAME} ${shardEntry} ${flavour} ${ARG_LABEL} ${ARG_TIMEOUT} "${shardEnvironment}")
       endforeach()
     endforeach()
   endforeach()
