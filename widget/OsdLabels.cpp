@@ -59,6 +59,14 @@ QString StyleSheetFor(uint32_t nColor)
         .arg((nColor >> 16) & 0xFFu);
 }
 
+bool IsSame(const XeltDrawInfo &one, const XeltDrawInfo &other)
+{
+    // By their bytes, so that an opacity that is no number equals itself.
+    const void *pOne = &one;
+    const void *pOther = &other;
+    return std::memcmp(pOne, pOther, sizeof(one)) == 0;
+}
+
 void ApplyRecord(QLabel &label, const XeltDrawInfo &record)
 {
     const QString strStyleSheet = StyleSheetFor(record.nColor);
@@ -72,7 +80,7 @@ void ApplyRecord(QLabel &label, const XeltDrawInfo &record)
     const XeltPoint &bottomRight = record.aPoints[1];
     label.setGeometry(Placeable(topLeft.x), Placeable(int64_t{topLeft.y} - kLabelMargin),
                       Placeable(int64_t{bottomRight.x} - topLeft.x),
-                      Placeable(int64_t{bottomRight.y} - topLeft.y + 2 * kLabelMargin));
+                      Placeable(int64_t{bottomRight.y} - topLeft.y + 2 * int64_t{kLabelMargin}));
     QString strText;
     if (!Decode(record, strText)) {
         label.clear();
@@ -147,7 +155,7 @@ bool CLS_ShaderBase::ShowLabel(size_t nSlot, XeltDrawInfo &record)
     }
     XeltDrawInfo &shown = m_aLabelRecords[nSlot];
     QPointer<QLabel> &pLabel = m_pLabels[nSlot];
-    if (!pLabel.isNull() && std::memcmp(&shown, &record, sizeof(record)) == 0) {
+    if (!pLabel.isNull() && IsSame(shown, record)) {
         return false; // nothing new: setting it again would cost a layout
     }
     shown = record;
