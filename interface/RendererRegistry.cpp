@@ -5,15 +5,15 @@ void RendererRegistry::Insert(void *handle, QMutex *pMutex)
     m_mapMutexes.insert_or_assign(handle, pMutex);
 }
 
-bool RendererRegistry::Remove(void *handle, QMutex *&pMutex)
+QMutex *RendererRegistry::Remove(void *handle)
 {
     const auto it = m_mapMutexes.find(handle);
     if (it == m_mapMutexes.end()) {
-        return false;
+        return nullptr;
     }
-    pMutex = it->second;
+    QMutex *pMutex = it->second;
     m_mapMutexes.erase(it);
-    return true;
+    return pMutex;
 }
 
 QMutex *RendererRegistry::Find(void *handle, int nTimeout)

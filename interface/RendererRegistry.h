@@ -17,8 +17,8 @@ public:
     // Adds a handle, or replaces the mutex of one that is there. Needs the write lock.
     void Insert(void *handle, QMutex *pMutex);
 
-    // Takes a handle out. False when it is unknown. Needs the write lock.
-    bool Remove(void *handle, QMutex *&pMutex);
+    // Takes a handle out. Its mutex, null when it is unknown. Needs the write lock.
+    QMutex *Remove(void *handle);
 
     // Mutex of a handle, null when it is unknown. Takes the read lock, for which it waits at most nTimeout
     // ms; null on time-out.

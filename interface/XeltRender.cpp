@@ -26,8 +26,17 @@ constexpr int kFindTimeout = 500;    // ms
 constexpr int kCreateTimeout = 2000; // ms
 constexpr auto kFrameTimeout = std::chrono::milliseconds(500);
 
+// A pane may outlive the registry when a process ends: this says so, and is there before and after it.
+bool g_blRegistryAlive = false;
+
 // Made when the library is loaded. Renderers that are still in it when it goes are left alone.
-RendererRegistry g_registry;
+struct ProcessRegistry : RendererRegistry
+{
+    ProcessRegistry() { g_blRegistryAlive = true; }
+    ~ProcessRegistry() { g_blRegistryAlive = false; }
+    ProcessRegistry(const ProcessRegistry &) = delete;
+    ProcessRegistry &operator=(const ProcessRegistry &) = delete;
+} g_registry;
 
 // Runs an export's body; nothing that it throws reaches the host.
 template <class Result, class Body> Result Guarded(Result failure, Body body) noexcept
@@ -72,18 +81,44 @@ std::unique_ptr<CLS_ShaderBase> NewRenderer(int32_t nType)
     }
 }
 
+// Takes a handle out of the registry. Its mutex, null when it is unknown; the caller owns it.
+QMutex *TakeOut(void *handle)
+{
+    const QWriteLocker locker(&g_registry.Lock());
+    return g_registry.Remove(handle);
+}
+
 // A host may destroy a pane with its window and never release it: its handle is unknown from then on. Waits
 // for a call that is still inside.
 void ForgetRenderer(void *pWidget)
 {
-    QMutex *pMutex = nullptr;
-    {
-        const QWriteLocker locker(&g_registry.Lock());
-        g_registry.Remove(pWidget, pMutex);
+    if (!g_blRegistryAlive) {
+        return;
     }
-    const std::unique_ptr<QMutex> pOwned(pMutex);
-    const QMutexLocker locker(pOwned.get());
+    const std::unique_ptr<QMutex> pMutex(TakeOut(pWidget));
+    const QMutexLocker locker(pMutex.get());
 }
+
+// Needs the registry's write lock. False without memory.
+bool Register(CLS_ShaderBase *pRenderer)
+{
+    try {
+        std::unique_ptr<QMutex> pMutex(new (std::nothrow) QMutex(QMutex::NonRecursive));
+        if (pMutex == nullptr) {
+            return false;
+        }
+        g_registry.Insert(pRenderer, pMutex.get());
+        static_cast<void>(pMutex.release()); // freed by whoever takes the handle out again
+        return true;
+    } catch (const std::bad_alloc &) {
+        return false;
+    }
+}
+
+struct UnlockOnly
+{
+    void operator()(QReadWriteLock *pLock) const { pLock->unlock(); }
+};
 
 CLS_ShaderBase *CreateShader(int32_t nType)
 {
@@ -103,25 +138,13 @@ CLS_ShaderBase *CreateShader(int32_t nType)
                           nType);
         return nullptr;
     }
-    bool blRegistered = false;
-    try {
-        std::unique_ptr<QMutex> pMutex(new (std::nothrow) QMutex(QMutex::NonRecursive));
-        if (pMutex != nullptr) {
-            g_registry.Insert(pRenderer.get(), pMutex.get());
-            static_cast<void>(pMutex.release()); // freed by whoever takes the handle out again
-            blRegistered = true;
-        }
-    } catch (const std::bad_alloc &) {
-        blRegistered = false;
-    }
-    if (!blRegistered) {
+    const std::unique_ptr<QReadWriteLock, UnlockOnly> unlock(&g_registry.Lock());
+    if (!Register(pRenderer.get())) {
         pRenderer.reset();
         XELT_REPORT_ERROR(kFile, "CreateShader", "CreateShader failed, type=%d. QMutex alloc faild", nType);
+        return nullptr;
     }
-    g_registry.Lock().unlock();
-    if (pRenderer != nullptr) {
-        pRenderer->SetDestroyHook(&ForgetRenderer);
-    }
+    pRenderer->SetDestroyHook(&ForgetRenderer);
     return pRenderer.release();
 }
 
@@ -140,17 +163,14 @@ void Dispose(CLS_ShaderBase *pRenderer)
 int32_t ReleaseRenderer(void *handle)
 {
     XELT_LOG("[Xelt_Release] pcls = %p", handle);
-    QMutex *pMutex = nullptr;
-    {
-        const QWriteLocker locker(&g_registry.Lock());
-        g_registry.Remove(handle, pMutex);
-    }
+    const std::unique_ptr<QMutex> pMutex(TakeOut(handle)); // goes after the locker below
     if (pMutex == nullptr) {
         return 0;
     }
-    const std::unique_ptr<QMutex> pOwned(pMutex); // goes after the locker below
-    const QMutexLocker locker(pMutex);            // waits for a call that is still inside
+    const QMutexLocker locker(pMutex.get()); // waits for a call that is still inside
     auto *pRenderer = static_cast<CLS_ShaderBase *>(handle);
+    // The widget may live on for a while and be resized; the host's context need not.
+    pRenderer->ForgetDrawInfoCallback();
     pRenderer->UnInit();
     Dispose(pRenderer);
     return 0;
@@ -184,6 +204,7 @@ XELT_EXPORT void *Xelt_CreateEx(const void *param, int32_t len)
             return nullptr;
         }
         int32_t nType = 0;
+        // A negative length counts as none: it must not become a huge one.
         std::memcpy(&nType, param, static_cast<size_t>(std::clamp(len, 0, 4)));
         CLS_ShaderBase *pRenderer = CreateShader(nType);
         if (pRenderer == nullptr) {

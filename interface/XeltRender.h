@@ -19,10 +19,11 @@
  * Threads
  *   Every function may be called from any thread, except that the creators need the GUI thread. Calls on
  *   one renderer exclude each other. Xelt_ShowYuvFrame waits at most 500 ms for its turn and then drops the
- *   frame; every other call waits as long as it takes. A handle is looked up for at most 500 ms. Nothing
- *   here waits for painting, but a submission and a paint of the same pane exclude each other while pixels
- *   are copied or uploaded.
- *   A HOST MUST NOT RELEASE A RENDERER WHILE OTHER CALLS ON IT MAY STILL BE STARTING.
+ *   frame; every other call waits as long as it takes. A handle is looked up for at most 500 ms. A paint
+ *   excludes Xelt_ShowYuvFrame, Xelt_ClearDraw and Xelt_Release on the same pane: they wait for it.
+ *   A HOST MUST NOT RELEASE A RENDERER, NOR DESTROY THE WIDGET, WHILE OTHER CALLS ON IT MAY STILL BE
+ *   STARTING OR WAITING FOR THEIR TURN. RELEASE A PANE BEFORE ITS WINDOW IS DESTROYED, AND NOT FROM ANOTHER
+ *   THREAD MEANWHILE.
  *
  * Ownership
  *   The library copies what it needs out of every record and every plane before the call returns, except
@@ -109,7 +110,8 @@ enum {
 typedef struct VideoFrameDesc
 {
     /* The whole picture with its planes one after another: luma (width x height bytes), then two chroma
-     * planes of a quarter of that each, or for NV12 one interleaved chroma plane. For NV12 it is used only
+     * planes of a quarter of that each (rows of width / 2 bytes, the second plane at width x height x 5 / 4),
+     * or for NV12 one interleaved chroma plane; width x height x 3 / 2 bytes in all. For NV12 it is used only
      * when pPlaneY or pPlaneUV is null. May be null: then nothing is copied and the old picture repaints. */
     const uint8_t *pFrameData;
     uint32_t nReserved8;
@@ -120,12 +122,16 @@ typedef struct VideoFrameDesc
     uint64_t nReserved32;
     int32_t nDisplayType; /* VIDEO_DISPLAY_* */
     uint32_t nReserved44;
-    const uint8_t *pPlaneY;  /* NV12: luma plane, iHeight rows; or null */
-    const uint8_t *pPlaneUV; /* NV12: interleaved chroma plane, iHeight / 2 rows; or null */
+    /* NV12, or null: the luma plane, and the interleaved chroma plane. Packed rows are read in one piece,
+     * iWidth x iHeight and iWidth x iHeight / 2 bytes (half a row more than whole rows when iHeight is odd);
+     * padded ones iWidth bytes at a time, iHeight and iHeight / 2 rows. Rows of a width that is no multiple
+     * of 4 show skewed, unless the pane has shown a YV12 frame in the same window before. */
+    const uint8_t *pPlaneY;
+    const uint8_t *pPlaneUV;
     uint64_t nReserved64;
-    /* NV12: bytes from one source row to the next, the same for both planes. 0 means packed rows; a negative
-     * value copies nothing. With pFrameData, the chroma rows begin nPitch x (iHeight rounded up to a multiple
-     * of 16) bytes into it, unless the rows are packed and the height is such a multiple. */
+    /* NV12: bytes from one source row to the next, the same for both planes, AT LEAST iWidth. 0 means packed
+     * rows; a negative value copies nothing. With pFrameData, the chroma rows begin nPitch x (iHeight rounded
+     * up to a multiple of 16) bytes into it, unless the rows are packed and the height is such a multiple. */
     int32_t nPitch;
     uint8_t aReserved76[12];
     /* Greater than 0: size in bytes of the buffer that the frame needs and, for every type but NV12, the
@@ -149,8 +155,9 @@ typedef struct XeltDrawInfo
     int32_t nSize;     /* line width in pixels, at least 1; for text the font size in points */
     int32_t nPointNum; /* number of points; 0 or less: not drawn; at most 32 are read */
     XeltPoint aPoints[XELT_DRAWINFO_MAX_POINTS];
-    char aText[XELT_DRAWINFO_TEXT_SIZE]; /* text, ended by a zero byte or by the end of the field */
-    int32_t nTextEncoding;               /* DRAWINFO_ENCODING_* */
+    /* Ended by a zero byte or by the end of the field. Markup shows as the text that it is. */
+    char aText[XELT_DRAWINFO_TEXT_SIZE];
+    int32_t nTextEncoding; /* DRAWINFO_ENCODING_* */
     float fOpacity; /* filled areas: 0 draws opaque under the blended ones, otherwise 0..1 over the picture */
 } XeltDrawInfo;
 
@@ -182,8 +189,11 @@ typedef struct XeltDrawInfoRequest
 
 /*
  * The host's overlay callback. It is called for every accepted frame, on the thread that submits it, and
- * after a resize on the GUI thread. It must not call a function of this library on the same renderer, and
- * must not wait for a thread that does. pReserved  null. pRequest   what is asked; valid during the call.
+ * after a resize on the GUI thread: BOTH MAY HAPPEN AT ONCE. Then only the records of the call that began
+ * last are kept. It must not call a function of this library on the same renderer, and must not wait for a
+ * thread that does.
+ *   pReserved  null.
+ *   pRequest   what is asked; valid during the call.
  *   nLength    88.
  *   pUser      XeltDrawInfoCallbackPara::pUser.
  * The result is ignored.
@@ -191,7 +201,13 @@ typedef struct XeltDrawInfoRequest
 typedef int32_t (*XeltDrawInfoCallback)(void *pReserved, const XeltDrawInfoRequest *pRequest, int32_t nLength,
                                         void *pUser);
 
-/* XELTCMD_SET_DRAWINFO_CALLBACK. Xelt_ClearDraw forgets the callback: register it again afterwards. */
+/*
+ * XELTCMD_SET_DRAWINFO_CALLBACK. Xelt_ClearDraw and Xelt_Release forget the callback. After Xelt_ClearDraw
+ * with the last picture kept, the next frame clears once more and forgets it again: register it after that
+ * frame.
+ * A CALL THAT A RESIZE HAS STARTED MAY STILL RUN ON THE GUI THREAD WHEN ANOTHER THREAD'S CALL FORGETS OR
+ * REPLACES THE CALLBACK: WHAT pUser POINTS TO MUST OUTLIVE IT.
+ */
 typedef struct XeltDrawInfoCallbackPara
 {
     XeltDrawInfoCallback pfnCallback; /* null: no overlays */
@@ -268,9 +284,11 @@ void *Xelt_Create(void *layout);
 void *Xelt_CreateEx(const void *param, int32_t len);
 
 /*
- * Ends a renderer. Waits for a call that is inside it; the widget is detached from its parent and destroyed
- * by its own thread's event loop. handle  renderer; null answers -1, an unknown one 0. Returns 0, or -1 for
- * null. Thread: any. May block without limit while another call uses the renderer.
+ * Ends a renderer. Waits for a call that is inside it, and for a paint; the widget is detached from its
+ * parent and destroyed by its own thread's event loop.
+ *   handle  renderer; null answers -1, an unknown one 0.
+ * Returns 0, or -1 for null.
+ * Thread: any. May block without limit while another call uses the renderer.
  */
 int32_t Xelt_Release(void *handle);
 
@@ -297,8 +315,8 @@ int32_t Xelt_SetParam(void *handle, uint32_t cmd, const void *data, uint32_t siz
  *   data    the host's buffer; never null. IT MUST HOLD THE COMMAND'S WHOLE RESULT, WHATEVER THE SIZE SAYS.
  *   size    bytes at data, at least 1.
  * Returns 0, or -1 for an unknown handle or command, a null buffer, a size below 1, or a window handle that
- * is not to be had (off the GUI thread: not within 500 ms). Thread: any. Blocks while another call uses the
- * renderer.
+ * is not to be had (off the GUI thread: not within 500 ms).
+ * Thread: any. Blocks while another call uses the renderer.
  */
 int32_t Xelt_GetParam(void *handle, uint32_t cmd, void *data, uint32_t size);
 
@@ -308,16 +326,19 @@ int32_t Xelt_GetParam(void *handle, uint32_t cmd, void *data, uint32_t size);
  *   frame   VideoFrameDesc.
  *   size    bytes at frame, at least 1; at most 112 are read.
  * Returns 0, or -1 for an unknown handle, a busy renderer (500 ms), a null or empty descriptor, a size that
- * is not positive or cannot be stored, and while the last Direct3D 11 draw failed. Thread: any. May block up
- * to 500 ms for the registry, 500 ms for the renderer, and for a paint in progress.
+ * is not positive or cannot be stored, and while the last Direct3D 11 draw failed.
+ * Thread: any. May block up to 500 ms for the registry, 500 ms for the renderer, and for a paint in progress.
  */
 int32_t Xelt_ShowYuvFrame(void *handle, const void *frame, uint32_t size);
 
 /*
- * Stops drawing: drops the overlays and the overlay callback and turns the pane black, or, with
- * XELTCMD_SET_STOPDRAW_PARA set, keeps the last picture until the next frame arrives.
+ * Stops drawing: drops the overlays and the overlay callback, ends the zoom and turns the pane black, or,
+ * with XELTCMD_SET_STOPDRAW_PARA set, keeps the last picture until the next frame arrives. That frame first
+ * clears the pane for good: it ends placement and zoom, forgets the callback and unsets the parameter.
+ * A sub-image renderer has no second clear, and leaves its widget as it is when the last frame came with
+ * nDataLen.
  *   handle  renderer; an unknown one is ignored.
- * Thread: any. Blocks while another call uses the renderer.
+ * Thread: any. Blocks while another call uses the renderer, and for a paint in progress.
  */
 void Xelt_ClearDraw(void *handle);
 

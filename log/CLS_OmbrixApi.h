@@ -55,6 +55,7 @@ private:
 };
 
 // One error record: lock, date, position line, message. The last call releases the core library's lock.
+// The file is that of the class, whose code may lie in more than one; the line is the call's.
 #define XELT_REPORT_ERROR(file, function, ...)                                                   \
     do {                                                                                         \
         const CLS_OmbrixApi &xeltApi = CLS_OmbrixApi::Instance();                                \

@@ -17,6 +17,12 @@ int evenSize(int nSize)
     return std::max(2, nSize & ~1);
 }
 
+// The renderers read rows of NV12 frames in steps of four bytes.
+int packedWidth(int nWidth, FrameLayout layout)
+{
+    return layout == FrameLayout::Yv12 ? evenSize(nWidth) : std::max(4, nWidth & ~3);
+}
+
 int roundedUp(int nValue, int nMultiple)
 {
     return (nValue + nMultiple - 1) / nMultiple * nMultiple;
@@ -42,7 +48,7 @@ const VideoFrameDesc *FramePacker::pack(const AVFrame &picture)
         return nullptr;
     }
     m_desc = VideoFrameDesc{};
-    m_desc.iWidth = evenSize(picture.width);
+    m_desc.iWidth = packedWidth(picture.width, m_layout);
     m_desc.iHeight = evenSize(picture.height);
     switch (m_layout) {
     case FrameLayout::Yv12:
@@ -67,12 +73,12 @@ AVPixelFormat FramePacker::wantedFormat() const
 const AVFrame *FramePacker::convert(const AVFrame &picture)
 {
     const bool blFullRange = isFullRange(picture);
-    const bool blBigEnough = picture.width >= 2 && picture.height >= 2;
+    const int nWidth = packedWidth(picture.width, m_layout);
+    const int nHeight = evenSize(picture.height);
+    const bool blBigEnough = picture.width >= nWidth && picture.height >= nHeight;
     if (picture.format == wantedFormat() && !blFullRange && blBigEnough) {
         return &picture;
     }
-    const int nWidth = evenSize(picture.width);
-    const int nHeight = evenSize(picture.height);
     if (!prepareConverted(nWidth, nHeight) || !prepareScaler(picture, blFullRange)) {
         return nullptr;
     }
@@ -152,7 +158,6 @@ void FramePacker::packYv12(const AVFrame &picture)
     }
     m_desc.nDisplayType = VIDEO_DISPLAY_YV12;
     m_desc.pFrameData = pLuma;
-    m_desc.nDataLen = static_cast<int32_t>(m_buffer.size());
 }
 
 void FramePacker::packNv12(const AVFrame &picture)

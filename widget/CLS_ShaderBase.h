@@ -44,6 +44,9 @@ public:
     virtual void ReleaseGLResource();
     virtual void ClearDrawInfo();
 
+    // The host is not asked for overlay records any more. Any thread.
+    void ForgetDrawInfoCallback();
+
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
@@ -77,7 +80,6 @@ protected:
     bool RenewDrawInfo(int32_t nKind, int32_t &nKeptKind);
     // The same with the kind that was kept last.
     bool RepeatDrawInfo(int32_t &nKeptKind);
-    void ForgetDrawInfoCallback();
     // Whether any overlay record is held.
     bool HasDrawInfo();
     // Needs m_mutexFrame.
@@ -94,7 +96,7 @@ protected:
     bool IsContextCurrent() const;
 
     QMutex m_mutexFrame;
-    QMutex m_mutexDrawInfo; // guards m_vecDrawInfo, the host's callback and the kept kind
+    QMutex m_mutexDrawInfo; // guards m_vecDrawInfo, its requests, the host's callback and the kept kind
     int32_t m_nVideoWidth = 0;
     int32_t m_nVideoHeight = 0;
     uint8_t *m_pFrameBuffer = nullptr;
@@ -112,8 +114,8 @@ protected:
     QVector<XeltDrawInfo> m_vecDrawInfo;
     QRect m_rcDraw;
     geometry::NormRect m_rcDrawArea;
-    QWidget *m_pLabelParent = nullptr;
-    QPointer<QLabel> m_pLabels[kLabelCount]; // guarded pointers: a label goes with its parent
+    std::atomic<QWidget *> m_pLabelParent{nullptr}; // set by host threads, used by the GUI thread
+    QPointer<QLabel> m_pLabels[kLabelCount];        // guarded pointers: a label goes with its parent
     bool m_blLabelsShown = false;
     int32_t blReserveLastFrm = 0;
     int32_t m_blUnInit = 0;
@@ -153,6 +155,7 @@ private:
     bool BlankLabel(size_t nSlot);
     QLabel *CreateLabel();
 
+    uint64_t m_nDrawInfoRequest = 0; // number of the last request for overlay records
     DestroyHook m_pfnDestroyHook = nullptr;
     QMetaObject::Connection m_labelParentDestroyed;
     std::array<XeltDrawInfo, kLabelCount> m_aLabelRecords{}; // what each label shows

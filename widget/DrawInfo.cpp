@@ -24,6 +24,26 @@ XeltDrawInfoRequest MakeRequest(int32_t nKind, const QRect &rcWidget, const geom
     return request;
 }
 
+// The request for overlay records that the host is answering on this thread.
+struct RunningRequest
+{
+    const CLS_ShaderBase *pRenderer;
+    uint64_t nNumber;
+};
+thread_local RunningRequest t_request = {nullptr, 0};
+
+class RequestScope
+{
+public:
+    explicit RequestScope(const RunningRequest &request) : m_outer(t_request) { t_request = request; }
+    ~RequestScope() { t_request = m_outer; }
+    RequestScope(const RequestScope &) = delete;
+    RequestScope &operator=(const RequestScope &) = delete;
+
+private:
+    const RunningRequest m_outer;
+};
+
 } // namespace
 
 void CLS_ShaderBase::ClearDrawInfo()
@@ -65,6 +85,7 @@ void CLS_ShaderBase::ForgetDrawInfoCallback()
 int32_t CLS_ShaderBase::NotifyDrawInfo(int32_t nKind, int32_t &nKeptKind)
 {
     XeltDrawInfoCallbackPara callback = {};
+    RunningRequest running = {this, 0};
     {
         const QMutexLocker locker(&m_mutexDrawInfo);
         callback = {m_pfnDrawInfo, m_pDrawInfoUser};
@@ -72,10 +93,14 @@ int32_t CLS_ShaderBase::NotifyDrawInfo(int32_t nKind, int32_t &nKeptKind)
             return 0;
         }
         nKeptKind = nKind;
+        // A resize and a submission may ask at the same time: only the later one's records count.
+        m_vecDrawInfo.clear();
+        running.nNumber = ++m_nDrawInfoRequest;
     }
     XeltDrawInfoRequest request = MakeRequest(nKind, rect(), m_rcDrawArea);
     request.pfnReceiver = &CLS_ShaderBase::ReceiveDrawInfo;
     request.pObject = this;
+    const RequestScope scope(running);
     try {
         return callback.pfnCallback(nullptr, &request, XELT_DRAWINFO_REQUEST_SIZE, callback.pUser);
     } catch (...) {
@@ -100,6 +125,9 @@ int32_t CLS_ShaderBase::AppendDrawInfo(const void *pRecord, size_t nLength)
     XeltDrawInfo record = {};
     std::memcpy(&record, pRecord, std::min(nLength, sizeof(record)));
     const QMutexLocker locker(&m_mutexDrawInfo);
-    m_vecDrawInfo.append(record);
+    const bool blSuperseded = t_request.pRenderer == this && t_request.nNumber != m_nDrawInfoRequest;
+    if (!blSuperseded) {
+        m_vecDrawInfo.append(record);
+    }
     return 0;
 }

@@ -7,6 +7,7 @@
 #include <QMutexLocker>
 #include <QTextCodec>
 #include <QTextDocument>
+#include <QThread>
 #include <algorithm>
 #include <bitset>
 #include <cstring>
@@ -101,8 +102,9 @@ void CLS_ShaderBase::AddLabel()
 {
     const LabelRebuild rebuild = ShowLabels();
     // The repaint may reach this widget's own painting, which takes the mutex that ShowLabels has released.
-    if (m_pLabelParent != nullptr && (m_blLabelsShown || rebuild.blShown)) {
-        m_pLabelParent->repaint();
+    QWidget *pLabelParent = m_pLabelParent;
+    if (pLabelParent != nullptr && (m_blLabelsShown || rebuild.blShown)) {
+        pLabelParent->repaint();
     }
     m_blLabelsShown = rebuild.blShown;
 }
@@ -112,14 +114,16 @@ void CLS_ShaderBase::AddLabelWhilePainting()
     const LabelRebuild rebuild = ShowLabels();
     // A label parent above this widget is being painted now, and painting it again leads back here: it is
     // told later, and only of something new.
-    if (m_pLabelParent != nullptr && rebuild.blChanged) {
-        m_pLabelParent->update();
+    QWidget *pLabelParent = m_pLabelParent;
+    if (pLabelParent != nullptr && rebuild.blChanged) {
+        pLabelParent->update();
     }
     m_blLabelsShown = rebuild.blShown;
 }
 
 CLS_ShaderBase::LabelRebuild CLS_ShaderBase::ShowLabels()
 {
+    Q_ASSERT(QThread::currentThread() == thread());
     const QMutexLocker locker(&m_mutexDrawInfo);
     LabelRebuild rebuild;
     std::bitset<kLabelCount> used;
@@ -180,7 +184,8 @@ bool CLS_ShaderBase::BlankLabel(size_t nSlot)
 
 QLabel *CLS_ShaderBase::CreateLabel()
 {
-    auto *pLabel = new QLabel(m_pLabelParent != nullptr ? m_pLabelParent : this);
+    QWidget *pLabelParent = m_pLabelParent;
+    auto *pLabel = new QLabel(pLabelParent != nullptr ? pLabelParent : this);
     pLabel->setAttribute(Qt::WA_TransparentForMouseEvents);
     pLabel->setAttribute(Qt::WA_TranslucentBackground);
     // The second call replaces the first: centred vertically only, deliberately.
@@ -194,6 +199,7 @@ QLabel *CLS_ShaderBase::CreateLabel()
 
 void CLS_ShaderBase::ClearLabels()
 {
+    Q_ASSERT(QThread::currentThread() == thread());
     for (size_t nSlot = 0; nSlot < kLabelCount; ++nSlot) {
         BlankLabel(nSlot);
     }
@@ -201,6 +207,7 @@ void CLS_ShaderBase::ClearLabels()
 
 void CLS_ShaderBase::DeleteLabels()
 {
+    Q_ASSERT(QThread::currentThread() == thread());
     for (size_t nSlot = 0; nSlot < kLabelCount; ++nSlot) {
         delete m_pLabels[nSlot];
         m_pLabels[nSlot].clear();

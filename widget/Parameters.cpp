@@ -90,10 +90,13 @@ int32_t CLS_ShaderBase::OnSetEZoomArea(const void *pPayload, size_t nLength)
 int32_t CLS_ShaderBase::OnSetLabelParent(const void *pPayload)
 {
     disconnect(m_labelParentDestroyed);
-    m_pLabelParent = static_cast<QWidget *>(const_cast<void *>(pPayload));
-    // The host may destroy its widget while labels are still rebuilt.
-    m_labelParentDestroyed =
-        connect(m_pLabelParent, &QObject::destroyed, this, [this] { m_pLabelParent = nullptr; });
+    auto *pParent = static_cast<QWidget *>(const_cast<void *>(pPayload));
+    m_pLabelParent = pParent;
+    // The host may destroy its widget while labels are still rebuilt. By then another one may be set.
+    m_labelParentDestroyed = connect(pParent, &QObject::destroyed, this, [this, pParent] {
+        QWidget *pExpected = pParent;
+        m_pLabelParent.compare_exchange_strong(pExpected, nullptr);
+    });
     return 0;
 }
 

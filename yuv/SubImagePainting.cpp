@@ -130,6 +130,7 @@ void CLS_ShaderYuvSubImage::InitGLNV12()
 
 bool CLS_ShaderYuvSubImage::CreateTextures(const char *pszFunction, bool blThirdPlane)
 {
+    Q_ASSERT(IsContextCurrent());
     m_szTextures = QSize(); // the first draw of a whole frame allocates
     m_pTexY = yuv::NewTexture();
     m_pTexU = m_pTexY != nullptr ? yuv::NewTexture() : nullptr;
@@ -192,6 +193,7 @@ void CLS_ShaderYuvSubImage::DrawPicture()
 
 void CLS_ShaderYuvSubImage::PrepareQuad(geometry::QuadVertices &afPositions)
 {
+    Q_ASSERT(IsContextCurrent());
     m_pProgram->bind();
     // The whole widget is the drawn area: ratio mode and destination rectangle do not count here.
     geometry::ComputeQuad(geometry::NormRect(), m_rcEZoom, afPositions);

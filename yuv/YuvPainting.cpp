@@ -92,6 +92,9 @@ bool CLS_ShaderYuv::EnsurePrograms()
     case VIDEO_DISPLAY_DXGL:
         blReady = InitHardwareProgram();
         break;
+    case VIDEO_DISPLAY_VAGL:
+    case 8:
+        break; // nothing is drawn of these
     default:
         // A type without a picture of its own still needs a program for its overlay shapes.
         InitGLYV12();

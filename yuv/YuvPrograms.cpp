@@ -43,6 +43,7 @@ void CLS_ShaderYuv::InitGLNV12()
 
 bool CLS_ShaderYuv::CreateTextures(const char *pszFunction, bool blThirdPlane)
 {
+    Q_ASSERT(IsContextCurrent());
     m_nTexIdY = 0;
     m_nTexIdU = 0;
     m_nTexIdV = 0;
@@ -69,6 +70,7 @@ bool CLS_ShaderYuv::CanUpload() const
 
 void CLS_ShaderYuv::PrepareQuad(geometry::QuadVertices &afPositions)
 {
+    Q_ASSERT(IsContextCurrent());
     m_pProgram->bind();
     ComputeQuadVertices(afPositions);
     yuv::UsePositions(*this, afPositions);
