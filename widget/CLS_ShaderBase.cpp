@@ -1,5 +1,7 @@
 #include "widget/CLS_ShaderBase.h"
 
+#include "log/CLS_OmbrixApi.h"
+
 #include <QEvent>
 #include <QLabel>
 #include <QLayout>
@@ -81,6 +83,27 @@ int32_t CLS_ShaderBase::InitFrameBuffer(int32_t nWidth, int32_t nHeight, int32_t
     }
     m_nFrameBufferBytes = static_cast<size_t>(nBytes);
     return 0;
+}
+
+bool CLS_ShaderBase::EnsureFrameBuffer(const VideoFrameDesc &frame, MissingBuffer missing,
+                                       const char *pszFile, const char *pszFunction, int32_t &nResult)
+{
+    nResult = -1;
+    const bool blOtherLength = frame.nDataLen > 0 && frame.nDataLen != m_nFrameBufferSize;
+    const bool blOtherSize = frame.iWidth != m_nVideoWidth || frame.iHeight != m_nVideoHeight;
+    const bool blMissing = missing == MissingBuffer::Allocate && m_pFrameBuffer == nullptr;
+    if (blOtherLength || blMissing || blOtherSize) {
+        nResult = InitFrameBuffer(frame.iWidth, frame.iHeight, frame.nDataLen);
+    }
+    if (m_pFrameBuffer == nullptr) {
+        return false;
+    }
+    if (frame.iWidth < 1 || frame.iHeight < 1) {
+        XELT_REPORT_ERROR(pszFile, pszFunction, "ShowYuvFrame iWidth = %d iHeight = %d is invalid param",
+                          frame.iWidth, frame.iHeight);
+        return false;
+    }
+    return true;
 }
 
 void CLS_ShaderBase::FreeFrameBuffer()

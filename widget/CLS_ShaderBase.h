@@ -82,6 +82,13 @@ protected:
     bool RepeatDrawInfo(int32_t &nKeptKind);
     // Whether any overlay record is held.
     bool HasDrawInfo();
+    // What a frame of the stored size does when there is no buffer, as after a failed allocation.
+    enum class MissingBuffer { Allocate, Leave };
+    // Sees to a buffer for a frame in memory. False when the frame cannot be stored: nResult is then what the
+    // submission answers. A frame without a size is reported under the names of the caller's file and
+    // function. Needs m_mutexFrame.
+    bool EnsureFrameBuffer(const VideoFrameDesc &frame, MissingBuffer missing, const char *pszFile,
+                           const char *pszFunction, int32_t &nResult);
     // Needs m_mutexFrame.
     void FreeFrameBuffer();
     // The first thing that a derived destructor does: afterwards no export reaches this object.

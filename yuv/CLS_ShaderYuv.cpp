@@ -137,19 +137,8 @@ void CLS_ShaderYuv::TakeDisplayType(int32_t nDisplayType)
 
 bool CLS_ShaderYuv::TakeSoftwareFrame(const VideoFrameDesc &frame, int32_t &nResult)
 {
-    nResult = -1;
-    const bool blOtherLength = frame.nDataLen > 0 && frame.nDataLen != m_nFrameBufferSize;
-    const bool blOtherSize = frame.iWidth != m_nVideoWidth || frame.iHeight != m_nVideoHeight;
-    if (blOtherLength || m_pFrameBuffer == nullptr || blOtherSize) {
-        nResult = InitFrameBuffer(frame.iWidth, frame.iHeight, frame.nDataLen);
-    }
-    if (m_pFrameBuffer == nullptr) {
-        return false;
-    }
-    if (frame.iWidth < 1 || frame.iHeight < 1) {
-        XELT_REPORT_ERROR("CLS_ShaderYuv", "CLS_ShaderYuv::ShowYuvFrame",
-                          "ShowYuvFrame iWidth = %d iHeight = %d is invalid param", frame.iWidth,
-                          frame.iHeight);
+    if (!EnsureFrameBuffer(frame, MissingBuffer::Allocate, "CLS_ShaderYuv", "CLS_ShaderYuv::ShowYuvFrame",
+                           nResult)) {
         return false;
     }
     yuv::StoreFrame(frame, {m_pFrameBuffer, FrameBufferBytes(), m_nVideoWidth, m_nVideoHeight},

@@ -102,19 +102,8 @@ void CLS_ShaderYuvSubImage::TakeDisplayType(int32_t nDisplayType)
 
 bool CLS_ShaderYuvSubImage::TakeSoftwareFrame(const VideoFrameDesc &frame, int32_t &nResult)
 {
-    nResult = -1;
-    const bool blOtherLength = frame.nDataLen > 0 && frame.nDataLen != m_nFrameBufferSize;
-    const bool blOtherSize = frame.iWidth != m_nVideoWidth || frame.iHeight != m_nVideoHeight;
-    if (blOtherLength || blOtherSize) {
-        nResult = InitFrameBuffer(frame.iWidth, frame.iHeight, frame.nDataLen);
-    }
-    if (m_pFrameBuffer == nullptr) {
-        return false;
-    }
-    if (frame.iWidth < 1 || frame.iHeight < 1) {
-        XELT_REPORT_ERROR("CLS_ShaderYuvSubImage", "CLS_ShaderYuvSubImage::ShowYuvFrame",
-                          "ShowYuvFrame iWidth = %d iHeight = %d is invalid param", frame.iWidth,
-                          frame.iHeight);
+    if (!EnsureFrameBuffer(frame, MissingBuffer::Leave, "CLS_ShaderYuvSubImage",
+                           "CLS_ShaderYuvSubImage::ShowYuvFrame", nResult)) {
         return false;
     }
     yuv::StoreFrame(frame, {m_pFrameBuffer, FrameBufferBytes(), m_nVideoWidth, m_nVideoHeight},
