@@ -185,6 +185,25 @@ TEST_F(Creation, LengthZeroIgnoresWhatTheBufferHolds)
     EXPECT_EQ(Xelt_Release(handle), 0);
 }
 
+// As a length of 0: neither the buffer nor what lies around it is looked at.
+TEST_F(Creation, NegativeLengthReadsNothingAndIsTypeZero)
+{
+    const GuardedBytes nothing(0);
+    const GuardedBytes rejected(4);
+    rejected[0] = 1;
+    for (const int32_t nLength : {-1, -4, -1000, INT32_MIN}) {
+        for (const GuardedBytes *pBytes : {&nothing, &rejected}) {
+            SCOPED_TRACE(testing::Message() << nLength << " with " << pBytes->size() << " bytes");
+            CoreLog::instance().clear();
+            void *handle = Xelt_CreateEx(pBytes->data(), nLength);
+            ASSERT_NE(handle, nullptr);
+            EXPECT_EQ(className(handle), "CLS_ShaderYuv");
+            EXPECT_THAT(CoreLog::instance().errors(), IsEmpty());
+            EXPECT_EQ(Xelt_Release(handle), 0);
+        }
+    }
+}
+
 TEST_F(Creation, FailedRendererAllocationIsReported)
 {
     const int32_t nType = 3;

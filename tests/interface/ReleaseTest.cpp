@@ -14,6 +14,8 @@
 #include <QTimer>
 
 #include <cstdio>
+#include <memory>
+#include <string>
 
 namespace {
 
@@ -139,6 +141,52 @@ TEST_F(Release, TheLineIsSubjectToTheLevel)
     EXPECT_TRUE(CoreLog::instance().records().empty());
     EXPECT_EQ(CoreLog::instance().calls(CORELOG_GET_LEVEL), 1U);
 }
+
+// Counts the overlay requests that it gets.
+int32_t countRequests(void *, const XeltDrawInfoRequest *, int32_t, void *pUser)
+{
+    ++*static_cast<int *>(pUser);
+    return 0;
+}
+
+class ReleaseOfType : public Release, public testing::WithParamInterface<int32_t>
+{
+};
+
+// The widget lives on until the event loop destroys it; the host's context need not.
+TEST_P(ReleaseOfType, ForgetsTheCallbackAtOnce)
+{
+    QWidget window;
+    const int32_t nType = GetParam();
+    void *handle = Xelt_CreateEx(&nType, sizeof nType);
+    ASSERT_NE(handle, nullptr);
+    QOpenGLWidget *pPane = paneWidget(handle);
+    pPane->setParent(&window);
+    pPane->resize(120, 90);
+    window.resize(320, 240);
+    window.show();
+    ASSERT_TRUE(pump([=] { return pPane->isValid(); }));
+    drainEvents();
+    auto pRequests = std::make_unique<int>(0);
+    ASSERT_EQ(setDrawInfoCallback(handle, &countRequests, pRequests.get()), 0);
+    EXPECT_EQ(show(handle, yv12Frame(solidPlanes(32, 32, 90, 128, 128))), 0);
+    EXPECT_EQ(*pRequests, 1);
+    pPane->resize(140, 100);
+    ASSERT_EQ(*pRequests, 2) << "a resize asks at once";
+
+    const Destruction destruction(handle);
+    EXPECT_EQ(Background([handle] { return Xelt_Release(handle); }).join().nResult, 0);
+    ASSERT_FALSE(destruction.pWidget.isNull());
+    pPane->resize(160, 110);
+    EXPECT_EQ(*pRequests, 2);
+    pRequests.reset(); // whoever asks now reads what is gone
+    pPane->resize(180, 120);
+    EXPECT_TRUE(pump([&] { return destruction.nCount > 0; }));
+}
+
+INSTANTIATE_TEST_SUITE_P(Types, ReleaseOfType,
+                         testing::Values(int32_t{XELT_RENDERER_YUV}, int32_t{XELT_RENDERER_YUV_SUBIMAGE}),
+                         [](const auto &type) { return "Type" + std::to_string(type.param); });
 
 TEST_F(Release, TwoRacingReleasesDisposeOnce)
 {

@@ -43,28 +43,30 @@ struct Size
 {
     int nWidth;
     int nHeight;
-    int nEvenWidth;
-    int nEvenHeight;
+    int nPackedWidth;
+    int nPackedHeight;
 };
 
-const Size kSizes[] = {{64, 48, 64, 48}, {66, 50, 66, 50}, {67, 51, 66, 50}, {2, 2, 2, 2}, {3, 3, 2, 2}};
+const Size kYv12Sizes[] = {{64, 48, 64, 48}, {66, 50, 66, 50}, {67, 51, 66, 50}, {2, 2, 2, 2}, {3, 3, 2, 2}};
+const Size kNv12Sizes[] = {{64, 48, 64, 48}, {65, 48, 64, 48}, {66, 50, 64, 50}, {67, 51, 64, 50},
+                           {68, 52, 68, 52}, {5, 5, 4, 4},     {4, 2, 4, 2},     {7, 3, 4, 2}};
 
 } // namespace
 
 TEST(FramePacker, yv12)
 {
-    for (const Size &size : kSizes) {
+    for (const Size &size : kYv12Sizes) {
         SCOPED_TRACE(testing::Message() << size.nWidth << 'x' << size.nHeight);
         FramePacker packer(FrameLayout::Yv12);
         const auto frame = picture(size.nWidth, size.nHeight);
         const VideoFrameDesc *pDesc = packer.pack(*frame);
         ASSERT_NE(pDesc, nullptr);
-        const int nWidth = size.nEvenWidth;
-        const int nHeight = size.nEvenHeight;
+        const int nWidth = size.nPackedWidth;
+        const int nHeight = size.nPackedHeight;
         EXPECT_EQ(pDesc->nDisplayType, VIDEO_DISPLAY_YV12);
         EXPECT_EQ(pDesc->iWidth, nWidth);
         EXPECT_EQ(pDesc->iHeight, nHeight);
-        EXPECT_EQ(pDesc->nDataLen, nWidth * nHeight * 3 / 2);
+        EXPECT_EQ(pDesc->nDataLen, 0);
         const uint8_t *pLuma = pDesc->pFrameData;
         const uint8_t *pChroma = pLuma + nWidth * nHeight;
         expectPlane(pLuma, nWidth, 1, 0, nWidth, nHeight);
@@ -75,18 +77,19 @@ TEST(FramePacker, yv12)
 
 TEST(FramePacker, nv12Packed)
 {
-    for (const Size &size : kSizes) {
+    for (const Size &size : kNv12Sizes) {
         SCOPED_TRACE(testing::Message() << size.nWidth << 'x' << size.nHeight);
         FramePacker packer(FrameLayout::Nv12);
         const auto frame = picture(size.nWidth, size.nHeight);
         const VideoFrameDesc *pDesc = packer.pack(*frame);
         ASSERT_NE(pDesc, nullptr);
-        const int nWidth = size.nEvenWidth;
-        const int nHeight = size.nEvenHeight;
+        const int nWidth = size.nPackedWidth;
+        const int nHeight = size.nPackedHeight;
         EXPECT_EQ(pDesc->nDisplayType, VIDEO_DISPLAY_NV12);
         EXPECT_EQ(pDesc->iWidth, nWidth);
         EXPECT_EQ(pDesc->iHeight, nHeight);
         EXPECT_EQ(pDesc->nPitch, 0);
+        EXPECT_EQ(pDesc->nDataLen, 0);
         EXPECT_EQ(pDesc->pFrameData, nullptr);
         expectPlane(pDesc->pPlaneY, nWidth, 1, 0, nWidth, nHeight);
         expectPlane(pDesc->pPlaneUV, nWidth, 2, 1, nWidth / 2, nHeight / 2);
@@ -96,14 +99,17 @@ TEST(FramePacker, nv12Packed)
 
 TEST(FramePacker, nv12Padded)
 {
-    for (const Size &size : kSizes) {
+    for (const Size &size : kNv12Sizes) {
         SCOPED_TRACE(testing::Message() << size.nWidth << 'x' << size.nHeight);
         FramePacker packer(FrameLayout::Nv12Padded);
         const auto frame = picture(size.nWidth, size.nHeight);
         const VideoFrameDesc *pDesc = packer.pack(*frame);
         ASSERT_NE(pDesc, nullptr);
-        const int nWidth = size.nEvenWidth;
-        const int nHeight = size.nEvenHeight;
+        const int nWidth = size.nPackedWidth;
+        const int nHeight = size.nPackedHeight;
+        EXPECT_EQ(pDesc->iWidth, nWidth);
+        EXPECT_EQ(pDesc->iHeight, nHeight);
+        EXPECT_EQ(pDesc->nDataLen, 0);
         EXPECT_EQ(pDesc->pPlaneY, nullptr);
         EXPECT_EQ(pDesc->pPlaneUV, nullptr);
         EXPECT_GT(pDesc->nPitch, nWidth);
@@ -152,4 +158,27 @@ TEST(FramePacker, singlePixel)
     EXPECT_EQ(pDesc->iHeight, 2);
     EXPECT_NEAR(pDesc->pFrameData[0], sample(0, 0, 0), 1);
     EXPECT_NEAR(pDesc->pFrameData[3], sample(0, 0, 0), 1);
+}
+
+// Rows of NV12 have four bytes at least; a narrower picture is widened to them.
+TEST(FramePacker, nv12OfNarrowPictures)
+{
+    for (const FrameLayout layout : {FrameLayout::Nv12, FrameLayout::Nv12Padded}) {
+        for (const int nWidth : {1, 2, 3}) {
+            SCOPED_TRACE(nWidth);
+            FramePacker packer(layout);
+            const auto frame = picture(nWidth, 4);
+            const VideoFrameDesc *pDesc = packer.pack(*frame);
+            ASSERT_NE(pDesc, nullptr);
+            EXPECT_EQ(pDesc->iWidth, 4);
+            EXPECT_EQ(pDesc->iHeight, 4);
+            const bool blPadded = layout == FrameLayout::Nv12Padded;
+            const uint8_t *pLuma = blPadded ? pDesc->pFrameData : pDesc->pPlaneY;
+            const int nPitch = blPadded ? pDesc->nPitch : 4;
+            for (int y = 0; y < 4; ++y) {
+                EXPECT_NEAR(pLuma[y * nPitch], sample(0, 0, y), 1);
+                EXPECT_NEAR(pLuma[y * nPitch + 3], sample(0, nWidth - 1, y), 1);
+            }
+        }
+    }
 }

@@ -181,6 +181,19 @@ TEST(Keys, stopTurnsBlack)
     EXPECT_EQ(quarters(session.image()), (Four{4, 4, 4, 4}));
 }
 
+TEST(Keys, stopTurnsTheOtherRenderersPaneBlackToo)
+{
+    Session session({QStringLiteral("--renderer"), QStringLiteral("subimage")});
+    session.press({"s"});
+    session.quit();
+    EXPECT_EQ(quarters(session.image()), (Four{4, 4, 4, 4}));
+
+    // The same pane without the key.
+    Session playing({QStringLiteral("--renderer"), QStringLiteral("subimage")});
+    playing.quit();
+    EXPECT_EQ(quarters(playing.image()), (Four{0, 1, 2, 3}));
+}
+
 TEST(Keys, stopKeepsThePictureAndPushesNoMore)
 {
     Session session({QStringLiteral("--panes"), QStringLiteral("2"), QStringLiteral("--fill")});

@@ -25,8 +25,10 @@ const QSize k_paneSize(96, 72);
 class ParameterThread
 {
 public:
-    ParameterThread(const std::vector<void *> &vecPanes, Overlays &overlays)
-        : m_vecPanes(vecPanes), m_overlays(overlays)
+    // The label parents outlive the panes.
+    ParameterThread(const std::vector<void *> &vecPanes, Overlays &overlays,
+                    const std::vector<QWidget *> &vecLabelParents)
+        : m_vecPanes(vecPanes), m_overlays(overlays), m_vecLabelParents(vecLabelParents)
     {
     }
 
@@ -57,6 +59,15 @@ private:
         expect(setReserveLastFrame(handle, i % 2));
         // Another context value with the same callback, or none: both records live as long as the panes.
         expect(setDrawInfoCallback(handle, i % 16 < 13 ? &Overlays::deliver : nullptr, &m_overlays));
+        // The other panes have their labels on themselves.
+        if (i % 2 == 0) {
+            const QWidget *pParent =
+                m_vecLabelParents[static_cast<size_t>(i) / 16 % m_vecLabelParents.size()];
+            expect(Xelt_SetParam(handle, XELTCMD_SET_LABEL_PARENT, pParent, sizeof(void *)));
+        }
+        // No frame here is one of a device.
+        const void *const apDevices[] = {&m_overlays, nullptr};
+        expect(Xelt_SetParam(handle, XELTCMD_SET_D3D11_DEVICE, &apDevices[i / 8 % 2], sizeof apDevices[0]));
         XeltWidgetRect rect{};
         expect(Xelt_GetParam(handle, XELTCMD_GET_WIDGET_RECT, &rect, sizeof rect));
         uint32_t nOpenGLES = 2;
@@ -66,6 +77,7 @@ private:
 
     const std::vector<void *> m_vecPanes;
     Overlays &m_overlays;
+    const std::vector<QWidget *> m_vecLabelParents;
 };
 
 // Sizes down to a pixel, and none at all.
@@ -97,7 +109,7 @@ protected:
     // False when the threads do not come to an end.
     bool play()
     {
-        ParameterThread parameters(m_window.panes(), m_overlays);
+        ParameterThread parameters(m_window.panes(), m_overlays, {&m_window, &m_otherLabelParent});
         std::atomic<int> nDecoding{k_nPanes};
         Workers workers;
         for (int i = 0; i < k_nPanes; ++i) {
@@ -136,6 +148,7 @@ protected:
 
     const std::vector<HostFrame> m_vecFrames = mixedFrames();
     Overlays m_overlays;
+    QWidget m_otherLabelParent;
     HostWindow m_window;
     std::vector<int> m_vecPaints;
     std::vector<Pushed> m_vecPushed;

@@ -162,6 +162,20 @@ TEST_F(OverlayStackTest, UnknownTypesShowTheirOverlaysAlone)
     EXPECT_TRUE(matches(m_tolerance));
 }
 
+TEST_F(OverlayStackTest, VaApiTypesShowNoOverlaysEither)
+{
+    const std::vector<XeltDrawInfo> vecRecords = {area(box(20, 20, 80, 90), k_nRed),
+                                                  area(box(60, 30, 150, 80), k_nGreen, 0.5f)};
+    for (const int nType : {4, int(VIDEO_DISPLAY_VAGL), 8}) {
+        submitWithOverlays(picture1(), vecRecords);
+        EXPECT_EQ(at(40, 50), m_aRed);
+        HostFrame frame = picture1();
+        frame.desc.nDisplayType = nType;
+        submitWithOverlays(frame, vecRecords);
+        EXPECT_TRUE(isBlack(picture())) << nType;
+    }
+}
+
 TEST_F(OverlayStackTest, ClearingDropsTheRecordsAndTheCallback)
 {
     submitWithOverlays(picture1(), {area(box(20, 20, 80, 90), k_nRed)});

@@ -2,7 +2,10 @@
 #include "PaneTest.h"
 
 #include <QOpenGLContext>
+#include <QOpenGLFunctions>
 #include <QPointer>
+
+#include <gmock/gmock.h>
 
 namespace xelttest {
 namespace {
@@ -38,6 +41,47 @@ TEST_F(WidgetLifeTest, APaneMovedToAnotherWindowAndBackShowsItsLastFrame)
         ASSERT_TRUE(window().showAndWait());
         EXPECT_TRUE(matches(k_scaled, "back"));
     }
+}
+
+using NewPaneTest = PaneTest;
+
+// What the pane's context says of itself, as the log has it.
+std::vector<std::string> glLines(void *pane)
+{
+    const std::pair<const char *, GLenum> aStrings[] = {
+        {"GL_VERSION", GL_VERSION},
+        {"GL_VENDOR", GL_VENDOR},
+        {"GL_RENDERER", GL_RENDERER},
+        {"GL_SHADING_LANGUAGE_VERSION", GL_SHADING_LANGUAGE_VERSION}};
+    paneWidget(pane)->makeCurrent();
+    QOpenGLFunctions &gl = *QOpenGLContext::currentContext()->functions();
+    std::vector<std::string> vecLines;
+    for (const auto &[pName, nName] : aStrings) {
+        const void *pText = gl.glGetString(nName);
+        vecLines.push_back(std::string("[CLS_ShaderYuv]") + pName + ": " + static_cast<const char *>(pText));
+    }
+    paneWidget(pane)->doneCurrent();
+    return vecLines;
+}
+
+TEST_F(NewPaneTest, SaysWhatItIsAndWhatItPaintsWith)
+{
+    open(QSize(161, 117));
+    std::vector<std::string> vecLines = glLines(handle());
+    vecLines.insert(vecLines.begin(), "CreateShader CLS_ShaderYuv.");
+    EXPECT_EQ(CoreLog::instance().messages(), vecLines);
+    EXPECT_THAT(CoreLog::instance().errors(), testing::IsEmpty());
+}
+
+TEST_F(NewPaneTest, SaysSoAgainOfEveryContext)
+{
+    open(QSize(161, 117));
+    CoreLog::instance().clear();
+    void *const pane = handle();
+    HostWindow other(nullptr);
+    other.adopt(pane);
+    ASSERT_TRUE(other.showAndWait());
+    EXPECT_EQ(CoreLog::instance().messages(), glLines(pane));
 }
 
 TEST_F(WidgetLifeTest, FramesArriveWhileThePaneIsBetweenWindows)

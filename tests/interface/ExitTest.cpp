@@ -1,0 +1,42 @@
+// A process that ends with a pane that was never released: it ends as if there were none.
+#include <gtest/gtest.h>
+
+#include <QProcess>
+#include <QProcessEnvironment>
+#include <QTemporaryDir>
+
+#include <algorithm>
+#include <string>
+
+namespace {
+
+class Exit : public testing::TestWithParam<const char *>
+{
+};
+
+TEST_P(Exit, WithARegisteredPaneIsQuiet)
+{
+    // Qt complains on standard error where there is none.
+    const QTemporaryDir runtime;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), runtime.path());
+    QProcess host;
+    host.setProcessEnvironment(environment);
+    host.start(QStringLiteral(XELT_TEST_EXITING_HOST),
+               {QStringLiteral(XELT_TEST_LIBRARY), QString::fromLatin1(GetParam())});
+    ASSERT_TRUE(host.waitForFinished(60000));
+    EXPECT_EQ(host.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(host.exitCode(), 0);
+    EXPECT_EQ(host.readAllStandardError().toStdString(), "");
+}
+
+INSTANTIATE_TEST_SUITE_P(Hosts, Exit,
+                         testing::Values("no-window", "kept-window", "static-window", "older-static-window",
+                                         "static-application"),
+                         [](const auto &test) {
+                             std::string sName(test.param);
+                             sName.erase(std::remove(sName.begin(), sName.end(), '-'), sName.end());
+                             return sName;
+                         });
+
+} // namespace
