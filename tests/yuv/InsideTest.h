@@ -23,10 +23,13 @@ template <class Renderer> class InsidePaneOf : public Renderer
 {
 public:
     InsidePaneOf()
+        : m_updates(QObject::connect(
+              this, &Renderer::signalUpdate, this, [this] { ++m_nUpdates; }, Qt::DirectConnection))
     {
-        QObject::connect(
-            this, &Renderer::signalUpdate, this, [this] { ++m_nUpdates; }, Qt::DirectConnection);
     }
+    ~InsidePaneOf() override { QObject::disconnect(m_updates); } // the renderer emits to its end
+    InsidePaneOf(const InsidePaneOf &) = delete;
+    InsidePaneOf &operator=(const InsidePaneOf &) = delete;
 
     using Renderer::blReserveLastFrm;
     using Renderer::FrameBufferBytes;
@@ -67,6 +70,7 @@ public:
 
 private:
     std::atomic<int> m_nUpdates{0};
+    const QMetaObject::Connection m_updates;
 };
 
 // GL names of a pane's textures and program.
