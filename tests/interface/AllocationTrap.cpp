@@ -1,8 +1,11 @@
 #include "AllocationTrap.h"
 
 #include <cstdlib>
+#include <cstring>
 #include <new>
 #include <utility>
+
+#include <dlfcn.h>
 
 namespace xelttest {
 
@@ -10,14 +13,24 @@ namespace {
 
 thread_local AllocationTrap *t_pTrap = nullptr;
 
-void *allocate(AllocationTrap::Form form, size_t nSize)
+// Whether the code is this program's or the library's under test.
+bool isOurs(const void *pCode)
 {
-    return AllocationTrap::passes(form, nSize) ? std::malloc(nSize != 0 ? nSize : 1) : nullptr;
+    static const char s_chProgram = 0;
+    Dl_info code{};
+    Dl_info program{};
+    return dladdr(pCode, &code) != 0 && dladdr(&s_chProgram, &program) != 0 &&
+           (code.dli_fbase == program.dli_fbase || std::strstr(code.dli_fname, "libXeltRender") != nullptr);
 }
 
-void *allocateOrThrow(size_t nSize)
+void *allocate(AllocationTrap::Form form, size_t nSize, const void *pCaller)
 {
-    if (void *pMemory = allocate(AllocationTrap::Form::Throwing, nSize)) {
+    return AllocationTrap::passes(form, nSize, pCaller) ? std::malloc(nSize != 0 ? nSize : 1) : nullptr;
+}
+
+void *allocateOrThrow(size_t nSize, const void *pCaller)
+{
+    if (void *pMemory = allocate(AllocationTrap::Form::Throwing, nSize, pCaller)) {
         return pMemory;
     }
     throw std::bad_alloc();
@@ -38,11 +51,11 @@ AllocationTrap::~AllocationTrap()
     }
 }
 
-bool AllocationTrap::passes(Form form, size_t nSize)
+bool AllocationTrap::passes(Form form, size_t nSize, const void *pCaller)
 {
     AllocationTrap *pTrap = t_pTrap;
     if (pTrap == nullptr || form != pTrap->m_form || nSize < pTrap->m_nSmallest ||
-        nSize > pTrap->m_nLargest) {
+        nSize > pTrap->m_nLargest || !isOurs(pCaller)) {
         return true;
     }
     t_pTrap = nullptr;
@@ -56,22 +69,22 @@ using xelttest::AllocationTrap;
 
 void *operator new(size_t nSize)
 {
-    return xelttest::allocateOrThrow(nSize);
+    return xelttest::allocateOrThrow(nSize, __builtin_return_address(0));
 }
 
 void *operator new[](size_t nSize)
 {
-    return xelttest::allocateOrThrow(nSize);
+    return xelttest::allocateOrThrow(nSize, __builtin_return_address(0));
 }
 
 void *operator new(size_t nSize, const std::nothrow_t &) noexcept
 {
-    return xelttest::allocate(AllocationTrap::Form::NoThrow, nSize);
+    return xelttest::allocate(AllocationTrap::Form::NoThrow, nSize, __builtin_return_address(0));
 }
 
 void *operator new[](size_t nSize, const std::nothrow_t &) noexcept
 {
-    return xelttest::allocate(AllocationTrap::Form::NoThrow, nSize);
+    return xelttest::allocate(AllocationTrap::Form::NoThrow, nSize, __builtin_return_address(0));
 }
 
 void operator delete(void *pMemory) noexcept

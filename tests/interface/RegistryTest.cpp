@@ -113,6 +113,7 @@ TEST_F(RegistryEntry, ItsPresentMutexIsTheOneThatCallsTake)
     ASSERT_NE(pFirst, nullptr);
     QMutex second;
     insert(handle, &second);
+    ASSERT_EQ(g_registry.Find(handle, k_nTimeoutMs), &second);
 
     pFirst->lock();
     EXPECT_EQ(Background([=] { return showFrame(handle); }).join().nResult, 0);

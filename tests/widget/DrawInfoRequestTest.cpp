@@ -32,6 +32,20 @@ struct Host
     }
 };
 
+// Runs a body when the records of before are dropped, just before the host is asked for new ones.
+class PausingYuv : public OpenYuv
+{
+public:
+    void ClearDrawInfo() override
+    {
+        OpenYuv::ClearDrawInfo();
+        if (afterClear) {
+            afterClear();
+        }
+    }
+    std::function<void()> afterClear;
+};
+
 // The receiver's answer.
 int32_t deliver(const XeltDrawInfoRequest &request, int nType)
 {
@@ -45,7 +59,7 @@ class DrawInfoRequest : public testing::Test
 protected:
     void SetUp() override
     {
-        m_pYuv = new OpenYuv;
+        m_pYuv = new PausingYuv;
         m_pYuv->SetParentLayout(new QVBoxLayout(&m_window));
         m_window.resize(160, 120);
         m_window.show();
@@ -80,7 +94,7 @@ protected:
 
     Host m_host;
     QWidget m_window;
-    OpenYuv *m_pYuv = nullptr; // owned by m_window
+    PausingYuv *m_pYuv = nullptr; // owned by m_window
 };
 
 TEST_F(DrawInfoRequest, AResizeDuringASubmissionIsTheNewerOne)
@@ -155,6 +169,35 @@ TEST_F(DrawInfoRequest, RecordsThatComeByTurnsAreToldApart)
     resize();
     submitting.join();
     EXPECT_THAT(types(), ElementsAre(201, 202));
+}
+
+// The older one delivers when the newer one has dropped the old records and has not begun yet.
+TEST_F(DrawInfoRequest, ARecordThatComesJustBeforeTheNewerOneIsDropped)
+{
+    std::promise<void> begun;
+    std::promise<void> goOn;
+    std::promise<void> delivered;
+    m_host.body = [&](int nRequest, const XeltDrawInfoRequest &request) {
+        if (nRequest == 1) {
+            begun.set_value();
+            goOn.get_future().wait();
+            deliver(request, 101);
+            delivered.set_value();
+        } else {
+            deliver(request, 201);
+        }
+    };
+    std::thread submitting([this] { EXPECT_EQ(submit(), 0); });
+    begun.get_future().wait();
+    m_pYuv->afterClear = [&] {
+        goOn.set_value();
+        delivered.get_future().wait();
+        EXPECT_THAT(types(), ElementsAre(101));
+    };
+    resize();
+    m_pYuv->afterClear = nullptr;
+    submitting.join();
+    EXPECT_THAT(types(), ElementsAre(201));
 }
 
 // A callback that makes the pane resize, on the GUI thread itself.
