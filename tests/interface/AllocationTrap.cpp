@@ -1,27 +1,16 @@
 #include "AllocationTrap.h"
 
+#include "System.h"
+
 #include <cstdlib>
-#include <cstring>
 #include <new>
 #include <utility>
-
-#include <dlfcn.h>
 
 namespace xelttest {
 
 namespace {
 
 thread_local AllocationTrap *t_pTrap = nullptr;
-
-// Whether the code is this program's or the library's under test.
-bool isOurs(const void *pCode)
-{
-    static const char s_chProgram = 0;
-    Dl_info code{};
-    Dl_info program{};
-    return dladdr(pCode, &code) != 0 && dladdr(&s_chProgram, &program) != 0 &&
-           (code.dli_fbase == program.dli_fbase || std::strstr(code.dli_fname, "libXeltRender") != nullptr);
-}
 
 void *allocate(AllocationTrap::Form form, size_t nSize, const void *pCaller)
 {
@@ -55,7 +44,7 @@ bool AllocationTrap::passes(Form form, size_t nSize, const void *pCaller)
 {
     AllocationTrap *pTrap = t_pTrap;
     if (pTrap == nullptr || form != pTrap->m_form || nSize < pTrap->m_nSmallest ||
-        nSize > pTrap->m_nLargest || !isOurs(pCaller)) {
+        nSize > pTrap->m_nLargest || !isOurCode(pCaller)) {
         return true;
     }
     t_pTrap = nullptr;

@@ -1,10 +1,9 @@
 // The table of names, against a list written down apart from it.
+#include "System.h"
 #include "log/CLS_OmbrixApi.h"
 #include "log/CoreLibraryEntries.h"
 
 #include <gtest/gtest.h>
-
-#include <dlfcn.h>
 
 namespace {
 
@@ -32,7 +31,7 @@ TEST(CoreNames, EntriesAreWhatTheLibraryExportsUnderThem)
     ASSERT_NE(api.Module(), nullptr);
     size_t nResolved = 0;
     for (size_t i = 0; i < k_vecNames.size(); ++i) {
-        void *pExported = dlsym(api.Module(), k_vecNames[i].c_str());
+        void *pExported = xelttest::moduleSymbol(api.Module(), k_vecNames[i].c_str());
         EXPECT_EQ(reinterpret_cast<void *>(api.Entry(i)), pExported) << k_vecNames[i];
         EXPECT_EQ(api.FindFunction(k_vecNames[i].c_str()), api.Entry(i));
         nResolved += pExported != nullptr ? 1 : 0;

@@ -1,21 +1,10 @@
 #include "CoreLog.h"
 
-#include <dlfcn.h>
-#include <unistd.h>
-
-#include <climits>
+#include "System.h"
 
 namespace xelttest {
 
 namespace {
-
-std::string executableFolder()
-{
-    char aPath[PATH_MAX];
-    const ssize_t nLength = readlink("/proc/self/exe", aPath, sizeof aPath);
-    const std::string sPath(aPath, nLength > 0 ? static_cast<size_t>(nLength) : 0);
-    return sPath.substr(0, sPath.rfind('/') + 1);
-}
 
 CoreLogRecord toRecord(const CoreLogCall *pCall)
 {
@@ -43,11 +32,11 @@ CoreLog &CoreLog::instance()
 
 CoreLog::CoreLog()
 {
-    void *pModule = dlopen((executableFolder() + "Ombrix.dll").c_str(), RTLD_NOW | RTLD_LOCAL);
+    void *pModule = openModule(executableFolder() + "Ombrix.dll");
     if (pModule == nullptr) {
         return;
     }
-    void *pSymbol = dlsym(pModule, "xelt_corelog_control");
+    void *pSymbol = moduleSymbol(pModule, "xelt_corelog_control");
     if (pSymbol != nullptr) {
         m_pControl = reinterpret_cast<CoreLogControlFunction>(pSymbol)();
     }

@@ -24,8 +24,8 @@ public:
     uint8_t &operator[](size_t nIndex) const { return m_pData[nIndex]; }
 
 private:
-    void *m_pMapping = nullptr;
-    size_t m_nMapped = 0;
+    void *m_pMemory = nullptr;
+    size_t m_nUsable = 0; // bytes before the unreadable page
     uint8_t *m_pData = nullptr;
     size_t m_nSize = 0;
 };

@@ -1,6 +1,7 @@
 // Two hundred panes come and go, and nothing of them stays.
 #include "Decoders.h"
 #include "ProcessCounts.h"
+#include "System.h"
 #include "Workers.h"
 
 #include <gtest/gtest.h>
@@ -74,7 +75,7 @@ void playBatch(QWidget &host, QLayout &layout, const HostFrame &frame, Overlays 
 struct Counts
 {
     int nWidgets = QApplication::allWidgets().size();
-    int nFiles = openFiles();
+    int nFiles = openHandles();
     size_t nHeap = heapInUse();
     size_t nResident = residentBytes();
 };

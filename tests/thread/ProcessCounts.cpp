@@ -2,30 +2,12 @@
 
 #include <QOpenGLFunctions>
 
-#include <dirent.h>
 #include <malloc.h>
-#include <unistd.h>
-
-#include <cstdio>
 
 // Of the sanitizer's run-time library, where there is one.
 extern "C" size_t __sanitizer_get_current_allocated_bytes() __attribute__((weak));
 
 namespace xelttest {
-
-int openFiles()
-{
-    DIR *pDir = opendir("/proc/self/fd");
-    if (pDir == nullptr) {
-        return -1;
-    }
-    int nEntries = 0;
-    while (readdir(pDir) != nullptr) {
-        ++nEntries;
-    }
-    closedir(pDir);
-    return nEntries;
-}
 
 bool hasSanitizerAllocator()
 {
@@ -39,20 +21,6 @@ size_t heapInUse()
     }
     const struct mallinfo2 info = mallinfo2();
     return info.uordblks + info.hblkhd;
-}
-
-size_t residentBytes()
-{
-    unsigned long nTotal = 0;
-    unsigned long nResident = 0;
-    std::FILE *pFile = std::fopen("/proc/self/statm", "r");
-    if (pFile == nullptr || std::fscanf(pFile, "%lu %lu", &nTotal, &nResident) != 2) {
-        nResident = 0;
-    }
-    if (pFile != nullptr) {
-        std::fclose(pFile);
-    }
-    return nResident * static_cast<size_t>(sysconf(_SC_PAGESIZE));
 }
 
 bool GlObjects::operator==(const GlObjects &other) const

@@ -7,11 +7,8 @@
 
 namespace xelttest {
 
-// Entries of the process's table of open files.
-int openFiles();
 // Bytes that the allocator has handed out and not got back.
 size_t heapInUse();
-size_t residentBytes();
 // Whether a sanitizer's allocator is in use, which keeps freed memory for a while.
 bool hasSanitizerAllocator();
 

@@ -1,0 +1,28 @@
+// What the tests need of the operating system.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace xelttest {
+
+// With the separator at its end.
+std::string executableFolder();
+// A module by its full path, loaded if it is not; null when that fails. It stays loaded.
+void *openModule(const std::string &sPath);
+// Null when the module does not export the name.
+void *moduleSymbol(void *pModule, const char *pszName);
+// Whether the code is this program's or the library's under test.
+bool isOurCode(const void *pCode);
+
+// Zeroed memory of whole pages with at least nSize bytes, and a page behind it that cannot be read. Throws
+// std::bad_alloc. nUsable is how much lies before that page.
+void *allocateGuarded(size_t nSize, size_t &nUsable);
+void freeGuarded(void *pMemory, size_t nUsable);
+
+// Open files and the like of this process; -1 when they cannot be counted.
+int openHandles();
+size_t residentBytes();
+
+} // namespace xelttest

@@ -1,0 +1,89 @@
+#include "System.h"
+
+#include <windows.h>
+
+#include <psapi.h>
+
+#include <new>
+
+namespace xelttest {
+
+namespace {
+
+size_t pageSize()
+{
+    SYSTEM_INFO info;
+    GetSystemInfo(&info);
+    return info.dwPageSize;
+}
+
+HMODULE moduleOf(const void *pAddress)
+{
+    HMODULE hModule = nullptr;
+    GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                       static_cast<LPCSTR>(pAddress), &hModule);
+    return hModule;
+}
+
+} // namespace
+
+std::string executableFolder()
+{
+    char aPath[MAX_PATH * 4];
+    const DWORD nLength = GetModuleFileNameA(nullptr, aPath, sizeof aPath);
+    const std::string sPath(aPath, nLength);
+    return sPath.substr(0, sPath.rfind('\\') + 1);
+}
+
+void *openModule(const std::string &sPath)
+{
+    return LoadLibraryA(sPath.c_str());
+}
+
+void *moduleSymbol(void *pModule, const char *pszName)
+{
+    return reinterpret_cast<void *>(GetProcAddress(static_cast<HMODULE>(pModule), pszName));
+}
+
+bool isOurCode(const void *pCode)
+{
+    const HMODULE hModule = moduleOf(pCode);
+    return hModule != nullptr &&
+           (hModule == GetModuleHandleA(nullptr) || hModule == GetModuleHandleA("XeltRender.dll"));
+}
+
+void *allocateGuarded(size_t nSize, size_t &nUsable)
+{
+    const size_t nPage = pageSize();
+    nUsable = (nSize + nPage - 1) / nPage * nPage;
+    void *pMemory = VirtualAlloc(nullptr, nUsable + nPage, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE);
+    if (pMemory == nullptr) {
+        throw std::bad_alloc();
+    }
+    DWORD nBefore = 0;
+    if (!VirtualProtect(static_cast<uint8_t *>(pMemory) + nUsable, nPage, PAGE_NOACCESS, &nBefore)) {
+        freeGuarded(pMemory, nUsable);
+        throw std::bad_alloc();
+    }
+    return pMemory;
+}
+
+void freeGuarded(void *pMemory, size_t /*nUsable*/)
+{
+    VirtualFree(pMemory, 0, MEM_RELEASE);
+}
+
+int openHandles()
+{
+    DWORD nHandles = 0;
+    return GetProcessHandleCount(GetCurrentProcess(), &nHandles) ? static_cast<int>(nHandles) : -1;
+}
+
+size_t residentBytes()
+{
+    PROCESS_MEMORY_COUNTERS counters{};
+    return GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters) ? counters.WorkingSetSize
+                                                                                 : 0;
+}
+
+} // namespace xelttest
