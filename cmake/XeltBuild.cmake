@@ -21,6 +21,21 @@ if(_xelt_sanitizers)
   target_link_options(xelt_build_flags INTERFACE ${_xelt_sanitizers})
 endif()
 
+# The Direct3D 11 and DXGI interface declarations. Elsewhere than on Windows only the declarations of Wine's
+# development package are used: nothing of it is linked.
+add_library(xelt_d3d11_headers INTERFACE)
+target_compile_definitions(xelt_d3d11_headers INTERFACE NOMINMAX WIN32_LEAN_AND_MEAN)
+if(NOT WIN32)
+  find_path(XELT_D3D11_INCLUDE_DIR d3d11.h
+    PATH_SUFFIXES wine/wine/windows wine/windows
+    DOC "Folder of d3d11.h and dxgi.h")
+  if(NOT XELT_D3D11_INCLUDE_DIR)
+    message(FATAL_ERROR "d3d11.h is missing; it comes with Wine's development headers (libwine-dev)")
+  endif()
+  mark_as_advanced(XELT_D3D11_INCLUDE_DIR)
+  target_include_directories(xelt_d3d11_headers SYSTEM INTERFACE ${XELT_D3D11_INCLUDE_DIR})
+endif()
+
 # The names in LIST_FILE, one a line, become a linker version script and a module definition file.
 function(xelt_generate_export_lists LIST_FILE)
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${LIST_FILE})

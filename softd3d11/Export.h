@@ -1,0 +1,11 @@
+#pragma once
+
+#if defined(_WIN32)
+#if defined(SOFTD3D11_BUILDING)
+#define SOFTD3D11_API __declspec(dllexport)
+#else
+#define SOFTD3D11_API __declspec(dllimport)
+#endif
+#else
+#define SOFTD3D11_API __attribute__((visibility("default")))
+#endif

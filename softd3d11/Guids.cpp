@@ -1,0 +1,3 @@
+// The one file that defines the interface identifiers which the others refer to.
+#define INITGUID
+#include "softd3d11/Direct3D.h"

@@ -1,0 +1,108 @@
+#include "softd3d11/egl/CallFaults.h"
+
+#include <EGL/egl.h>
+#include <algorithm>
+#include <cstring>
+#include <dlfcn.h>
+#include <link.h>
+
+namespace softegl {
+namespace {
+
+// Whether the code at the address belongs to the executable, or to the library that this one is for.
+bool IsWatched(const void *pAddress) noexcept
+{
+    // The name in Dl_info will not do: the executable's is whatever it was started by.
+    Dl_info info{};
+    link_map *pMap = nullptr;
+    if (dladdr1(pAddress, &info, reinterpret_cast<void **>(&pMap), RTLD_DL_LINKMAP) == 0 || pMap == nullptr) {
+        return false;
+    }
+    if (pMap->l_name[0] == '\0') {
+        return true; // the executable's own entry carries no name
+    }
+    constexpr char szPrefix[] = "libXeltRender";
+    const char *const pSlash = std::strrchr(pMap->l_name, '/');
+    return std::strncmp(pSlash != nullptr ? pSlash + 1 : pMap->l_name, szPrefix, sizeof(szPrefix) - 1) == 0;
+}
+
+} // namespace
+
+CallFaults &CallFaults::Instance()
+{
+    // Never destroyed: EGL is used until the last static object of the process is gone.
+    static CallFaults &s_faults = *new CallFaults;
+    return s_faults;
+}
+
+std::optional<std::int32_t> CallFaults::Arrive(Call call, const void *pReturnAddress) noexcept
+{
+    if (!IsWatched(pReturnAddress)) {
+        return std::nullopt;
+    }
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    Entry &entry = m_entries[static_cast<std::size_t>(call)];
+    ++entry.nCount;
+    if (m_nOrdered < m_order.size()) {
+        m_order[m_nOrdered++] = call;
+    }
+    if (entry.nFailing == 0) {
+        return std::nullopt;
+    }
+    if (entry.nPassing > 0) {
+        --entry.nPassing;
+        return std::nullopt;
+    }
+    if (entry.nFailing != kAlways) {
+        --entry.nFailing;
+    }
+    return entry.nError;
+}
+
+std::uint64_t CallFaults::Count(Call call) noexcept
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return call < Call::Count ? m_entries[static_cast<std::size_t>(call)].nCount : 0;
+}
+
+void CallFaults::ResetCounts() noexcept
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    for (Entry &entry : m_entries) {
+        entry.nCount = 0;
+    }
+    m_nOrdered = 0;
+}
+
+std::size_t CallFaults::InOrder(Call *pCalls, std::size_t nCapacity) noexcept
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    if (pCalls != nullptr) {
+        std::copy_n(m_order.begin(), std::min(nCapacity, m_nOrdered), pCalls);
+    }
+    return m_nOrdered;
+}
+
+bool CallFaults::Fail(Call call, std::int32_t nError, unsigned nNth, unsigned nTimes) noexcept
+{
+    if (call >= Call::Count || nError <= EGL_SUCCESS || nError > EGL_CONTEXT_LOST || nNth == 0 ||
+        nTimes == 0) {
+        return false;
+    }
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    Entry &entry = m_entries[static_cast<std::size_t>(call)];
+    entry.nError = nError;
+    entry.nPassing = nNth - 1;
+    entry.nFailing = nTimes;
+    return true;
+}
+
+void CallFaults::Clear() noexcept
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    for (Entry &entry : m_entries) {
+        entry.nFailing = 0;
+    }
+}
+
+} // namespace softegl
