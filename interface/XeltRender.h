@@ -21,6 +21,9 @@
  *   one renderer exclude each other. Xelt_ShowYuvFrame waits at most 500 ms for its turn and then drops the
  *   frame; every other call waits as long as it takes. A handle is looked up for at most 500 ms. A paint
  *   excludes Xelt_ShowYuvFrame, Xelt_ClearDraw and Xelt_Release on the same pane: they wait for it.
+ *   A paint of a Direct3D 11 frame uses the device's immediate context on the GUI thread. The host either
+ *   leaves that context alone meanwhile or has multithread protection switched on; then IT MUST NOT CALL
+ *   WITH THAT PROTECTION ENTERED, BECAUSE THE PAINT THAT THE CALL WAITS FOR MAY BE WAITING FOR IT.
  *   A HOST MUST NOT RELEASE A RENDERER, NOR DESTROY THE WIDGET, WHILE OTHER CALLS ON IT MAY STILL BE
  *   STARTING OR WAITING FOR THEIR TURN. RELEASE A PANE BEFORE ITS WINDOW IS DESTROYED, AND NOT FROM ANOTHER
  *   THREAD MEANWHILE.
@@ -58,7 +61,9 @@ enum {
     XELTCMD_SET_DRAWINFO_CALLBACK = 0, /* XeltDrawInfoCallbackPara */
     XELTCMD_SET_EZOOM_AREA = 1,        /* XeltEZoomArea; THE LENGTH MUST BE EXACTLY 32 */
     XELTCMD_SET_LABEL_PARENT = 2,      /* the payload pointer itself is a QWidget *; see Xelt_SetParam */
-    XELTCMD_SET_D3D11_DEVICE = 3,      /* one pointer: the host's ID3D11Device */
+    XELTCMD_SET_D3D11_DEVICE = 3,      /* one pointer: the host's ID3D11Device, or null; no reference is taken
+                                        * before a frame of VIDEO_DISPLAY_DXGL comes: IT MUST LIVE UNTIL
+                                        * ANOTHER IS SET OR THE RENDERER IS RELEASED */
     XELTCMD_SET_STOPDRAW_PARA = 4,     /* XeltStopDrawPara */
     XELTCMD_SET_ROTATE_PARA = 5,       /* XeltRotatePara */
     XELTCMD_SET_DRAW_RATIO_MODE = 6,   /* XeltDrawRatioPara; ALL 4 BYTES ARE READ WHATEVER THE LENGTH */
@@ -118,7 +123,10 @@ typedef struct VideoFrameDesc
     int32_t nDrawInfoKind; /* any value; handed back in XeltDrawInfoRequest::nKind */
     int32_t iWidth;        /* pixels, at least 1 */
     int32_t iHeight;       /* pixels, at least 1 */
-    void *pD3D11Texture;   /* VIDEO_DISPLAY_DXGL: ID3D11Texture2D; a reference is kept until replaced */
+    /* VIDEO_DISPLAY_DXGL: an ID3D11Texture2D of the device that was set, at least as large as the picture,
+     * which lies at its top left. Paints read it, also after the call: a reference is kept until the next
+     * texture, a paint that fails, or the end of drawing. Null keeps the texture there is. */
+    void *pD3D11Texture;
     uint64_t nReserved32;
     int32_t nDisplayType; /* VIDEO_DISPLAY_* */
     uint32_t nReserved44;

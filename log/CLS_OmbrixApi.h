@@ -56,14 +56,17 @@ private:
 
 // One error record: lock, date, position line, message. The last call releases the core library's lock.
 // The file is that of the class, whose code may lie in more than one; the line is the call's.
-#define XELT_REPORT_ERROR(file, function, ...)                                                   \
-    do {                                                                                         \
-        const CLS_OmbrixApi &xeltApi = CLS_OmbrixApi::Instance();                                \
-        xeltApi.inner_sdk_log_buf_lock();                                                        \
-        xeltApi.inner_sdk_log_buf_date();                                                        \
-        xeltApi.inner_sdk_log_buf_msg("file: %s, func:%s, line: %d ", file, function, __LINE__); \
-        xeltApi.inner_sdk_err_buf_msg_unlock(__VA_ARGS__);                                       \
+#define XELT_REPORT_ERROR_AT(file, function, line, ...)                                      \
+    do {                                                                                     \
+        const CLS_OmbrixApi &xeltApi = CLS_OmbrixApi::Instance();                            \
+        xeltApi.inner_sdk_log_buf_lock();                                                    \
+        xeltApi.inner_sdk_log_buf_date();                                                    \
+        xeltApi.inner_sdk_log_buf_msg("file: %s, func:%s, line: %d ", file, function, line); \
+        xeltApi.inner_sdk_err_buf_msg_unlock(__VA_ARGS__);                                   \
     } while (false)
+
+// The same with the source line that it stands in.
+#define XELT_REPORT_ERROR(file, function, ...) XELT_REPORT_ERROR_AT(file, function, __LINE__, __VA_ARGS__)
 
 // One informational message.
 #define XELT_LOG(...) CLS_OmbrixApi::Instance().inner_sdk_log_msg(__VA_ARGS__)

@@ -1,6 +1,7 @@
 // Life cycle and submission of CLS_ShaderYuv. Painting is in YuvPainting.cpp, programs in YuvPrograms.cpp.
 #include "yuv/CLS_ShaderYuv.h"
 
+#include "d3d11/CLS_D3D11EGL.h"
 #include "log/CLS_OmbrixApi.h"
 #include "yuv/HardwarePath.h"
 #include "yuv/PlaneCopy.h"
@@ -9,10 +10,11 @@
 #include <QOpenGLContext>
 #include <QOpenGLShaderProgram>
 #include <QOpenGLTexture>
+#include <QThread>
 #include <algorithm>
 #include <cstring>
 
-CLS_ShaderYuv::CLS_ShaderYuv() : CLS_ShaderBase(nullptr), m_pD3D11EGL(CLS_D3D11EGL::Create())
+CLS_ShaderYuv::CLS_ShaderYuv() : CLS_ShaderBase(nullptr), m_pD3D11EGL(std::make_unique<CLS_D3D11EGL>())
 {
     m_nDisplayType = -1;
     connect(this, &QObject::destroyed, this, &CLS_ShaderYuv::onDestroyed);
@@ -33,14 +35,14 @@ CLS_ShaderYuv::~CLS_ShaderYuv()
         disconnect(context(), &QOpenGLContext::aboutToBeDestroyed, this, nullptr);
     }
     {
-        const QMutexLocker locker(&m_mutexFrame);
+        const auto lock = LockFrame();
         FreeFrameBuffer();
         m_nVideoWidth = 0;
         m_nVideoHeight = 0;
         CLS_ShaderYuv::ReleaseGLResource();
+        yuv::DestroyHardware(m_pD3D11EGL);
         Q_EMIT signalUpdate();
     }
-    m_pD3D11EGL.reset();
     doneCurrent();
 }
 
@@ -101,7 +103,7 @@ int32_t CLS_ShaderYuv::TakeFrame(const VideoFrameDesc &frame, const void *pData,
     if (frame.nDisplayType == VIDEO_DISPLAY_DXGL) {
         m_nVideoWidth = frame.iWidth;
         m_nVideoHeight = frame.iHeight;
-        yuv::HandOverFrame(m_pD3D11EGL.get(), m_pD3D11Device, pData, nLength);
+        yuv::HandOverFrame(m_mutexFrame, m_pD3D11EGL.get(), m_pD3D11Device, pData, nLength);
     } else {
         int32_t nResult = -1;
         if (!TakeSoftwareFrame(frame, nResult)) {
@@ -152,7 +154,7 @@ void CLS_ShaderYuv::ClearDraw()
     Q_EMIT signalDrawTextInfo();
     PaintDrawInfo(yuv::DrawInfoPass::BeforePicture);
     {
-        const QMutexLocker locker(&m_mutexFrame);
+        const auto lock = LockFrame();
         if (m_pD3D11EGL != nullptr) {
             m_pD3D11EGL->ClearFramePending();
         }
@@ -166,9 +168,17 @@ void CLS_ShaderYuv::ClearDraw()
     XELT_LOG("CLS_ShaderYuv::ClearDraw, blReserveLastFrm=%d", blReserveLastFrm);
 }
 
+std::unique_lock<QMutex> CLS_ShaderYuv::LockFrame()
+{
+    if (QThread::currentThread() == thread() && m_blFrameMutexKept) {
+        return {}; // a second lock would wait for this thread itself
+    }
+    return std::unique_lock<QMutex>(m_mutexFrame);
+}
+
 int32_t CLS_ShaderYuv::UnInit()
 {
-    const QMutexLocker locker(&m_mutexFrame);
+    const auto lock = LockFrame();
     ResetFrameState();
     return 0;
 }
@@ -184,7 +194,7 @@ void CLS_ShaderYuv::ResetFrameState()
     m_blUnInit = 1;
     // This may be a host thread: the painting thread releases and destroys the old hardware path.
     m_retired.Add(std::move(m_pD3D11EGL));
-    m_pD3D11EGL = CLS_D3D11EGL::Create();
+    m_pD3D11EGL = std::make_unique<CLS_D3D11EGL>();
     m_rcDrawArea = geometry::NormRect();
     m_rcEZoom = geometry::NormRect();
     Q_EMIT signalUpdate();

@@ -1,13 +1,14 @@
 #pragma once
 
-#include "d3d11/CLS_D3D11EGL.h"
 #include "widget/CLS_ShaderBase.h"
 #include "yuv/DrawInfoPainter.h"
 #include "yuv/PictureGl.h"
 
 #include <atomic>
 #include <memory>
+#include <mutex>
 
+class CLS_D3D11EGL;
 class QOpenGLShaderProgram;
 class QOpenGLTexture;
 
@@ -98,7 +99,12 @@ private:
                      const uint8_t *pPixels);
     bool BindPictureProgram();
     void OnContextLost();
+    // Locks m_mutexFrame, unless a paint has kept it locked and this is the painting thread.
+    std::unique_lock<QMutex> LockFrame();
 
     int32_t m_nMaxTextureSize = 0; // of the context that the textures belong to
     yuv::RetiredObjects m_retired; // guarded by m_mutexFrame
+    // A hardware frame shows one paint after its conversion, so a new context needs two. Painting thread.
+    bool m_blPaintTwice = false;
+    bool m_blFrameMutexKept = false; // by a paint, for good. Painting thread
 };

@@ -1,6 +1,7 @@
 // Life cycle and submission of CLS_ShaderYuvSubImage. Painting is in SubImagePainting.cpp.
 #include "yuv/CLS_ShaderYuvSubImage.h"
 
+#include "d3d11/CLS_D3D11EGL.h"
 #include "log/CLS_OmbrixApi.h"
 #include "yuv/HardwarePath.h"
 #include "yuv/PlaneCopy.h"
@@ -33,8 +34,11 @@ CLS_ShaderYuvSubImage::~CLS_ShaderYuvSubImage()
         disconnect(context(), &QOpenGLContext::aboutToBeDestroyed, this, nullptr);
     }
     CLS_ShaderYuvSubImage::UnInit();
-    m_retired.DestroyAll();
-    m_pD3D11EGL.reset();
+    {
+        const QMutexLocker locker(&m_mutexFrame);
+        m_retired.DestroyAll();
+        yuv::DestroyHardware(m_pD3D11EGL);
+    }
     doneCurrent();
 }
 
@@ -71,7 +75,7 @@ int32_t CLS_ShaderYuvSubImage::TakeFrame(const VideoFrameDesc &frame, const void
         TakeDisplayType(frame.nDisplayType);
     }
     if (frame.nDisplayType == VIDEO_DISPLAY_DXGL) {
-        yuv::HandOverFrame(m_pD3D11EGL.get(), m_pD3D11Device, pData, nLength);
+        yuv::HandOverFrame(m_mutexFrame, m_pD3D11EGL.get(), m_pD3D11Device, pData, nLength);
     } else {
         int32_t nResult = -1;
         if (!TakeSoftwareFrame(frame, nResult)) {
@@ -88,6 +92,9 @@ void CLS_ShaderYuvSubImage::TakeDisplayType(int32_t nDisplayType)
     ReleaseGLResource();
     switch (nDisplayType) {
     case VIDEO_DISPLAY_DXGL:
+        if (m_pD3D11EGL == nullptr) {
+            m_pD3D11EGL = std::make_unique<CLS_D3D11EGL>();
+        }
         XELT_LOG("ShowYuvFrame Display type is VIDEO_DISPLAY_DXGL,The Player is D3D11Player");
         break;
     case VIDEO_DISPLAY_NV12:
@@ -134,7 +141,7 @@ int32_t CLS_ShaderYuvSubImage::UnInit()
     CLS_ShaderBase::UnInit();
     if (m_pD3D11EGL != nullptr) {
         m_retired.Add(std::move(m_pD3D11EGL));
-        m_pD3D11EGL = CLS_D3D11EGL::Create();
+        m_pD3D11EGL = std::make_unique<CLS_D3D11EGL>();
     }
     m_rcEZoom = geometry::NormRect();
     return 0;
@@ -146,6 +153,7 @@ void CLS_ShaderYuvSubImage::ReleaseGLResource()
     m_retired.Add(std::move(m_pTexY));
     m_retired.Add(std::move(m_pTexU));
     m_retired.Add(std::move(m_pTexV));
+    m_blReleaseSurface = true;
     m_blGLReady = false;
     if (!m_bExplicitLength) {
         // The next frame then counts as one of a new type, deliberately.

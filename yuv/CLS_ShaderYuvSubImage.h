@@ -1,6 +1,5 @@
 #pragma once
 
-#include "d3d11/CLS_D3D11EGL.h"
 #include "widget/CLS_ShaderBase.h"
 #include "yuv/DrawInfoPainter.h"
 #include "yuv/PictureGl.h"
@@ -9,6 +8,7 @@
 #include <atomic>
 #include <memory>
 
+class CLS_D3D11EGL;
 class QOpenGLShaderProgram;
 class QOpenGLTexture;
 
@@ -52,6 +52,7 @@ protected:
     void InitGLYV12();
     void InitGLNV12();
     void EnsurePrograms();
+    void InitHardwareProgram();
     void DrawPicture();
     void DrawYV12();
     void DrawNV12();
@@ -85,9 +86,13 @@ private:
     void UpdatePlane(uint32_t nUnit, QOpenGLTexture &texture, uint32_t nFormat, const QSize &size,
                      const uint8_t *pPixels);
     void PaintBlack();
+    bool BindPictureProgram();
+    // Does what host threads have left to the painting one; needs m_mutexFrame.
+    void DestroyRetired();
     void OnContextLost();
 
     yuv::DrawInfoPainter m_painter;
-    yuv::RetiredObjects m_retired; // guarded by m_mutexFrame
-    QSize m_szTextures;            // frame size that the textures are allocated for
+    yuv::RetiredObjects m_retired;   // guarded by m_mutexFrame
+    QSize m_szTextures;              // frame size that the textures are allocated for
+    bool m_blReleaseSurface = false; // the hardware path's, by the next paint; guarded by m_mutexFrame
 };

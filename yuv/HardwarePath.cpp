@@ -2,13 +2,26 @@
 
 #include "d3d11/CLS_D3D11EGL.h"
 
+#include <QMutex>
 #include <QScreen>
 #include <QWidget>
 
 namespace yuv {
 
-void HandOverFrame(CLS_D3D11EGL *pHardware, void *pDevice, const void *pData, int32_t nLength)
+bool IsLocked(QMutex &mutex)
 {
+    if (!mutex.tryLock()) {
+        return true;
+    }
+    mutex.unlock();
+    return false;
+}
+
+void HandOverFrame(QMutex &mutexFrame, CLS_D3D11EGL *pHardware, void *pDevice, const void *pData,
+                   int32_t nLength)
+{
+    Q_ASSERT(IsLocked(mutexFrame));
+    Q_UNUSED(mutexFrame)
     if (pHardware == nullptr) {
         return;
     }
@@ -16,6 +29,14 @@ void HandOverFrame(CLS_D3D11EGL *pHardware, void *pDevice, const void *pData, in
         pHardware->SetDevice(pDevice);
     }
     pHardware->SetFrame(pData, nLength);
+}
+
+void DestroyHardware(std::unique_ptr<CLS_D3D11EGL> &pHardware)
+{
+    if (pHardware != nullptr) {
+        pHardware->DestroyEglResource();
+        pHardware.reset();
+    }
 }
 
 QRect DeviceRect(const QWidget &widget)

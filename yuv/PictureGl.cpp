@@ -2,6 +2,7 @@
 
 #include "d3d11/CLS_D3D11EGL.h"
 #include "log/CLS_OmbrixApi.h"
+#include "yuv/HardwarePath.h"
 
 #include <QOpenGLShaderProgram>
 #include <QOpenGLTexture>
@@ -115,7 +116,11 @@ void RetiredObjects::Add(std::unique_ptr<QOpenGLTexture> pTexture)
 
 void RetiredObjects::Add(std::unique_ptr<CLS_D3D11EGL> pD3D11EGL)
 {
-    if (pD3D11EGL != nullptr) {
+    if (pD3D11EGL == nullptr) {
+        return;
+    }
+    pD3D11EGL->ReleaseHostObjects();
+    if (pD3D11EGL->HoldsContextObjects()) {
         m_vecD3D11EGL.push_back(std::move(pD3D11EGL));
     }
 }
@@ -127,8 +132,9 @@ void RetiredObjects::DestroyAll()
         DestroyTexture(pTexture);
     }
     m_vecTextures.clear();
-    for (const std::unique_ptr<CLS_D3D11EGL> &pD3D11EGL : m_vecD3D11EGL) {
+    for (std::unique_ptr<CLS_D3D11EGL> &pD3D11EGL : m_vecD3D11EGL) {
         pD3D11EGL->ReleaseEGL();
+        DestroyHardware(pD3D11EGL);
     }
     m_vecD3D11EGL.clear();
 }

@@ -1,6 +1,7 @@
 // Painting of CLS_ShaderYuvSubImage. GUI thread, the widget's context current.
 #include "yuv/CLS_ShaderYuvSubImage.h"
 
+#include "d3d11/CLS_D3D11EGL.h"
 #include "log/CLS_OmbrixApi.h"
 #include "yuv/HardwarePath.h"
 #include "yuv/YuvShaderSources.h"
@@ -32,12 +33,21 @@ void CLS_ShaderYuvSubImage::OnContextLost()
     {
         const QMutexLocker locker(&m_mutexFrame);
         ReleaseGLResource();
-        m_retired.DestroyAll();
+        DestroyRetired();
         if (m_pD3D11EGL != nullptr) {
-            m_pD3D11EGL->ReleaseEGL();
+            m_pD3D11EGL->ReleaseContextObjects();
         }
     }
     doneCurrent();
+}
+
+void CLS_ShaderYuvSubImage::DestroyRetired()
+{
+    m_retired.DestroyAll();
+    if (m_blReleaseSurface && m_pD3D11EGL != nullptr) {
+        m_pD3D11EGL->ReleaseEGL();
+    }
+    m_blReleaseSurface = false;
 }
 
 void CLS_ShaderYuvSubImage::resizeGL(int nWidth, int nHeight)
@@ -56,16 +66,14 @@ void CLS_ShaderYuvSubImage::paintGL()
     if (!lock.owns_lock()) {
         return;
     }
-    m_retired.DestroyAll();
+    DestroyRetired();
     if (m_nDisplayType != VIDEO_DISPLAY_DXGL && m_pFrameBuffer == nullptr) {
         return;
     }
     if (!m_blGLReady) {
         EnsurePrograms();
     }
-    if (m_pProgram != nullptr) {
-        m_pProgram->bind();
-    }
+    BindPictureProgram();
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
     glEnable(GL_DEPTH_TEST);
     PaintDrawInfo();
@@ -78,7 +86,7 @@ void CLS_ShaderYuvSubImage::PaintBlack()
     {
         const std::unique_lock<QMutex> lock(m_mutexFrame, std::try_to_lock);
         if (lock.owns_lock()) {
-            m_retired.DestroyAll();
+            DestroyRetired();
         }
     }
     glClearColor(0, 0, 0, 1);
@@ -92,13 +100,35 @@ void CLS_ShaderYuvSubImage::EnsurePrograms()
         InitGLNV12();
         break;
     case VIDEO_DISPLAY_DXGL:
-        break; // no hardware path in this build: no picture
+        InitHardwareProgram();
+        break;
     default:
         // A type without a picture of its own still needs a program for its overlay shapes.
         InitGLYV12();
         break;
     }
     m_blGLReady = true;
+}
+
+void CLS_ShaderYuvSubImage::InitHardwareProgram()
+{
+    if (m_pD3D11EGL == nullptr) {
+        return;
+    }
+    if (m_pD3D11EGL->InitD3D11EGL() != 0) {
+        XELT_LOG("InitD3D11EGL faild");
+        return;
+    }
+    m_nLocDrawFlag = m_pD3D11EGL->DrawFlagLocation();
+    m_nLocDrawColor = m_pD3D11EGL->DrawColorLocation();
+}
+
+bool CLS_ShaderYuvSubImage::BindPictureProgram()
+{
+    if (m_nDisplayType == VIDEO_DISPLAY_DXGL) {
+        return m_pD3D11EGL != nullptr && m_pD3D11EGL->BindProgram();
+    }
+    return m_pProgram != nullptr && m_pProgram->bind();
 }
 
 void CLS_ShaderYuvSubImage::InitGLYV12()
@@ -263,7 +293,7 @@ void CLS_ShaderYuvSubImage::PaintDrawInfo()
         return;
     }
     const QMutexLocker locker(&m_mutexDrawInfo);
-    if (m_vecDrawInfo.isEmpty() || m_pProgram == nullptr || !m_pProgram->bind()) {
+    if (m_vecDrawInfo.isEmpty() || !BindPictureProgram()) {
         return;
     }
     // These programs' opacity uniform is not looked up: everything is opaque.

@@ -1,6 +1,7 @@
 // Painting of CLS_ShaderYuv. GUI thread, the widget's context current.
 #include "yuv/CLS_ShaderYuv.h"
 
+#include "d3d11/CLS_D3D11EGL.h"
 #include "log/CLS_OmbrixApi.h"
 #include "yuv/HardwarePath.h"
 #include "yuv/PictureGl.h"
@@ -20,7 +21,7 @@ constexpr auto kPaintTimeout = std::chrono::milliseconds(500);
 
 void CLS_ShaderYuv::initializeGL()
 {
-    const QMutexLocker locker(&m_mutexFrame);
+    const auto lock = LockFrame();
     initializeOpenGLFunctions();
     connect(context(), &QOpenGLContext::aboutToBeDestroyed, this, [this] { OnContextLost(); });
     yuv::LogGlStrings(*this, "CLS_ShaderYuv");
@@ -30,8 +31,12 @@ void CLS_ShaderYuv::OnContextLost()
 {
     makeCurrent();
     {
-        const QMutexLocker locker(&m_mutexFrame);
+        const auto lock = LockFrame();
         ReleaseGLResource();
+        if (m_pD3D11EGL != nullptr) {
+            m_pD3D11EGL->ReleaseContextObjects();
+        }
+        m_blPaintTwice = m_nDisplayType == VIDEO_DISPLAY_DXGL;
     }
     doneCurrent();
 }
@@ -69,6 +74,7 @@ void CLS_ShaderYuv::paintGL()
     if (!m_blGLReady && !EnsurePrograms()) {
         // The frame mutex stays locked, deliberately: without a program no later frame may be accepted.
         lock.release();
+        m_blFrameMutexKept = true;
         return;
     }
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
@@ -107,7 +113,7 @@ bool CLS_ShaderYuv::EnsurePrograms()
 bool CLS_ShaderYuv::InitHardwareProgram()
 {
     if (m_pD3D11EGL == nullptr) {
-        return true; // no hardware path in this build: no picture
+        return true;
     }
     if (m_pD3D11EGL->InitD3D11EGL() != 0) {
         XELT_LOG("InitD3D11EGL faild");
@@ -140,6 +146,7 @@ void CLS_ShaderYuv::DrawD3D11()
     if (m_pD3D11EGL == nullptr) {
         return;
     }
+    Q_ASSERT(yuv::IsLocked(m_mutexFrame)); // frames come from host threads
     m_pD3D11EGL->SetAreas(m_rcDrawArea, m_rcEZoom);
     m_pD3D11EGL->SetRotation(m_nVideoRotateDirection, m_nVideoRotateAngle, mirrorType);
     if (m_pD3D11EGL->Render(yuv::DeviceRect(*this)) != 0) {
@@ -147,12 +154,20 @@ void CLS_ShaderYuv::DrawD3D11()
     } else {
         m_nD3D11FailCount = 0;
     }
+    if (m_blPaintTwice) {
+        m_blPaintTwice = false;
+        Q_EMIT signalUpdate();
+    }
 }
 
 bool CLS_ShaderYuv::BindPictureProgram()
 {
     if (m_nDisplayType == VIDEO_DISPLAY_DXGL) {
-        return m_pD3D11EGL != nullptr && m_pD3D11EGL->BindProgram();
+        if (m_pD3D11EGL == nullptr) {
+            return false;
+        }
+        m_pD3D11EGL->SetRotation(m_nVideoRotateDirection, m_nVideoRotateAngle, mirrorType);
+        return m_pD3D11EGL->BindProgram();
     }
     return m_pProgram != nullptr && m_pProgram->bind();
 }

@@ -2,6 +2,7 @@
 // m_mutexFrame held.
 #include "yuv/CLS_ShaderYuv.h"
 
+#include "d3d11/CLS_D3D11EGL.h"
 #include "log/CLS_OmbrixApi.h"
 #include "yuv/PictureGl.h"
 #include "yuv/YuvShaderSources.h"

@@ -101,7 +101,7 @@ TEST_F(InsideGlTest, ATypeChangeOnAHostThreadLeavesGlToTheNextPaint)
     onHostThread([&] { EXPECT_EQ(pane().submit(frame(VIDEO_DISPLAY_DXGL)), 0); });
     pane().picture();
     EXPECT_EQ(existing(names), 0);
-    EXPECT_EQ(pane().m_pProgram, nullptr) << "no hardware path, no program";
+    EXPECT_EQ(pane().m_pProgram, nullptr) << "the hardware path has one of its own";
 }
 
 TEST_F(InsideGlTest, ManyReleasesBetweenPaintsAreAllMadeUpFor)

@@ -10,6 +10,7 @@
 #include <QWindow>
 
 #include <algorithm>
+#include <thread>
 
 namespace xelttest {
 
@@ -155,6 +156,16 @@ int32_t HostWindow::release(void *handle)
     const QPointer<QWidget> pWidget = paneWidget(handle);
     forget(handle);
     const int32_t nResult = Xelt_Release(handle);
+    pump([&] { return pWidget.isNull(); });
+    return nResult;
+}
+
+int32_t HostWindow::releaseOnThread(void *handle)
+{
+    const QPointer<QWidget> pWidget = paneWidget(handle);
+    forget(handle);
+    int32_t nResult = -1;
+    std::thread([&] { nResult = Xelt_Release(handle); }).join();
     pump([&] { return pWidget.isNull(); });
     return nResult;
 }

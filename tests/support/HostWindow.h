@@ -60,6 +60,8 @@ public:
     bool resizePane(void *handle, const QSize &size);
     // Xelt_Release of one pane, and waits until the widget is destroyed. Returns the call's result.
     int32_t release(void *handle);
+    // The same, with the library's call on a thread of its own.
+    int32_t releaseOnThread(void *handle);
     void releaseAll();
 
     void *pane(int nIndex = 0) const { return m_vecPanes.at(static_cast<size_t>(nIndex)); }

@@ -84,11 +84,50 @@ struct Conversion
 constexpr Conversion k_yv12{0.0, 1.4075, -0.3455, -0.7169, 1.779};
 constexpr Conversion k_nv12{0.0625, 1.13983, -0.39465, -0.58060, 2.03211};
 
+// What a video processor makes of packed NV12: every chroma sample stands for its 2x2 pixels, and the result
+// is rounded to bytes before anything is filtered.
+Texture convertSlice(const BufferModel &buffer, const Faults &faults)
+{
+    const bool blBt601 = buffer.blBt601 != faults.blOtherMatrix;
+    const double dKr = blBt601 ? 0.299 : 0.2126;
+    const double dKb = blBt601 ? 0.114 : 0.0722;
+    const double dLumaZero = buffer.blFullRange ? 0.0 : 16.0;
+    const double dLumaSpan = buffer.blFullRange ? 255.0 : 219.0;
+    const double dChromaSpan = buffer.blFullRange ? 255.0 : 224.0;
+    const size_t nWidth = toSize(buffer.nWidth);
+    const size_t nLuma = nWidth * toSize(buffer.nHeight);
+    Texture texture{buffer.nWidth, buffer.nHeight, 3, {}};
+    texture.aValues.reserve(3 * nLuma);
+    for (size_t i = 0; i < nLuma; ++i) {
+        const size_t nChroma = nLuma + i / nWidth / 2 * nWidth + i % nWidth / 2 * 2;
+        const double dY = (buffer.aBytes[i] - dLumaZero) / dLumaSpan + faults.dBlackLevel;
+        double dU = (buffer.aBytes[nChroma] - 128.0) / dChromaSpan;
+        double dV = (buffer.aBytes[nChroma + 1] - 128.0) / dChromaSpan;
+        if (faults.blSwapChroma) {
+            std::swap(dU, dV);
+        }
+        const double dRed = dY + (2 * (1 - dKr) + faults.dCoefficientOff) * dV;
+        const double dBlue = dY + 2 * (1 - dKb) * dU;
+        const double dGreen =
+            dY - 2 * (1 - dKr) * dKr / (1 - dKr - dKb) * dV - 2 * (1 - dKb) * dKb / (1 - dKr - dKb) * dU;
+        for (const double d : {dRed, dGreen, dBlue}) {
+            texture.aValues.push_back(std::round(255.0 * std::clamp(d, 0.0, 1.0)) / 255.0);
+        }
+    }
+    return texture;
+}
+
 class Picture
 {
 public:
     Picture(const BufferModel &buffer, const Faults &faults) : m_faults(faults)
     {
+        m_blConverted = buffer.blSlice;
+        if (m_blConverted) {
+            m_conversion = {};
+            m_aTextures.push_back(convertSlice(buffer, faults));
+            return;
+        }
         const int nWidth = buffer.nWidth;
         const int nHeight = buffer.nHeight;
         const size_t nLuma = toSize(nWidth) * toSize(nHeight);
@@ -111,6 +150,12 @@ public:
     void colour(double s, double t, double *pRgb) const
     {
         const bool blNearest = m_faults.blNearest;
+        if (m_blConverted) {
+            for (int i = 0; i < 3; ++i) {
+                pRgb[i] = 255.0 * sample(m_aTextures[0], i, s, t, blNearest);
+            }
+            return;
+        }
         const double dY = sample(m_aTextures[0], 0, s, t, blNearest) - m_conversion.dOffset;
         double dU = sample(m_aTextures[1], 0, s, t, blNearest) - 0.5;
         double dV = (m_aTextures.size() > 2 ? sample(m_aTextures[2], 0, s, t, blNearest)
@@ -129,6 +174,7 @@ public:
 
 private:
     Faults m_faults;
+    bool m_blConverted = false;
     Conversion m_conversion;
     std::vector<Texture> m_aTextures;
 };
@@ -181,6 +227,7 @@ BufferModel bufferModel(const VideoFrameDesc &desc, const BufferModel &before)
         after.aBytes.assign(desc.nDataLen > 0 ? toSize(desc.nDataLen) : nLuma * 3 / 2, 0);
     }
     after.nType = desc.nDisplayType;
+    after.blSlice = false;
     after.nWidth = desc.iWidth;
     after.nHeight = desc.iHeight;
     const auto put = [&after](size_t nAt, const uint8_t *pFrom, size_t nCount) {
@@ -226,7 +273,8 @@ ReferenceImage renderPicture(const BufferModel &buffer, const View &view)
     const size_t nPixels = toSize(image.nWidth) * toSize(image.nHeight);
     image.aRgb.assign(3 * nPixels, 0.0);
     image.aIgnored.assign(nPixels, 0);
-    const bool blHasPicture = buffer.nType == VIDEO_DISPLAY_YV12 || buffer.nType == VIDEO_DISPLAY_NV12;
+    const bool blHasPicture =
+        buffer.nType == VIDEO_DISPLAY_YV12 || buffer.nType == VIDEO_DISPLAY_NV12 || buffer.blSlice;
     if (!blHasPicture || !buffer.holdsPicture()) {
         return image;
     }

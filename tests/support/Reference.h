@@ -19,7 +19,8 @@ namespace xelttest {
 // Left, top, right, bottom in widget units 0..1.
 using Area = std::array<double, 4>;
 
-// The bytes that a submission leaves in the renderer's frame buffer.
+// The bytes that a submission leaves in the renderer's frame buffer, or, for the type of Direct3D textures,
+// the slice of the texture as packed NV12.
 struct BufferModel
 {
     int nType = -1; // display type; -1: no frame
@@ -28,6 +29,9 @@ struct BufferModel
     int nAskedSize = 0;          // nDataLen of the frame that the buffer was made for
     int nNv12Alignment = 4;      // of rows in uploads; a YV12 paint in the same context leaves 1
     std::vector<uint8_t> aBytes; // what lies beyond reads as zero
+    bool blSlice = false;        // it is such a slice
+    bool blBt601 = false;        // how the slice is converted
+    bool blFullRange = false;
 
     // Whether the planes that the type uploads lie wholly inside.
     bool holdsPicture() const;

@@ -131,14 +131,32 @@ TEST_F(HardwarePaint, FailedInitialisationIsLoggedAndLeavesTheFrameMutexLocked)
     EXPECT_EQ(show(VIDEO_DISPLAY_DXGL), 0);
 }
 
+TEST_F(HardwarePaint, AfterAFailedInitialisationTheGuiThreadCanEndThePane)
+{
+    EXPECT_EQ(show(VIDEO_DISPLAY_DXGL), 0);
+    m_notes.nInitResult = -1;
+    paint();
+    ASSERT_FALSE(m_pYuv->m_mutexFrame.tryLock());
+    EXPECT_EQ(m_pYuv->UnInit(), 0);
+    m_pYuv->ClearDraw();
+    // A window of another context takes it over, and closes.
+    auto *pOther = new QWidget;
+    m_pYuv->setParent(pOther);
+    pOther->show();
+    EXPECT_TRUE(pump([this] { return m_pYuv->isValid(); }));
+    EXPECT_FALSE(m_pYuv->m_mutexFrame.tryLock());
+    delete pOther;
+    EXPECT_TRUE(m_notes.blDestroyed);
+}
+
 TEST_F(HardwarePaint, EndedOnAHostThreadIsDestroyedByThePaintingOne)
 {
     EXPECT_EQ(show(VIDEO_DISPLAY_DXGL), 0);
     paint();
     std::thread([this] { EXPECT_EQ(m_pYuv->UnInit(), 0); }).join();
-    EXPECT_THAT(m_notes.take(), IsEmpty());
+    EXPECT_THAT(m_notes.take(), ElementsAre("ReleaseHostObjects"));
     EXPECT_FALSE(m_notes.blDestroyed);
-    EXPECT_THAT(paint(), ElementsAre("ReleaseEGL", "destroyed"));
+    EXPECT_THAT(paint(), ElementsAre("ReleaseEGL", "DestroyEglResource", "destroyed"));
     EXPECT_EQ(m_notes.pDestroyedOn, QThread::currentThread());
 }
 
@@ -148,8 +166,18 @@ TEST_F(HardwarePaint, EndedAndNeverPaintedIsDestroyedWithTheWidget)
     paint();
     std::thread([this] { EXPECT_EQ(m_pYuv->UnInit(), 0); }).join();
     delete m_pYuv;
-    EXPECT_THAT(m_notes.take(), ElementsAre("ReleaseEGL", "destroyed"));
+    EXPECT_THAT(m_notes.take(),
+                ElementsAre("ReleaseHostObjects", "ReleaseEGL", "DestroyEglResource", "destroyed"));
     EXPECT_EQ(m_notes.pDestroyedOn, QThread::currentThread());
+}
+
+TEST_F(HardwarePaint, EndedWithoutContextObjectsIsDestroyedAtOnce)
+{
+    EXPECT_EQ(show(VIDEO_DISPLAY_DXGL), 0);
+    m_notes.blHoldsContextObjects = false;
+    m_notes.take();
+    std::thread([this] { EXPECT_EQ(m_pYuv->UnInit(), 0); }).join();
+    EXPECT_THAT(m_notes.take(), ElementsAre("ReleaseHostObjects", "destroyed"));
 }
 
 TEST_F(HardwarePaint, LivesAsLongAsTheWidget)
@@ -159,7 +187,7 @@ TEST_F(HardwarePaint, LivesAsLongAsTheWidget)
     EXPECT_FALSE(m_notes.blDestroyed);
     delete m_pYuv;
     EXPECT_TRUE(m_notes.blDestroyed);
-    EXPECT_THAT(m_notes.take(), ElementsAre("ReleaseEGL", "destroyed"));
+    EXPECT_THAT(m_notes.take(), ElementsAre("ReleaseEGL", "DestroyEglResource", "destroyed"));
 }
 
 TEST_F(HardwarePaint, BusyFrameMutexSkipsThePaint)

@@ -20,6 +20,7 @@ struct HardwareNotes
     const void *pFrame = nullptr;
     QThread *pDestroyedOn = nullptr;
     bool blDestroyed = false;
+    bool blHoldsContextObjects = true;
     int nInitResult = 0;
     int nRenderResult = 0;
 
@@ -88,7 +89,11 @@ public:
                      std::to_string(rect.width()) + ' ' + std::to_string(rect.height()));
         return m_notes.nRenderResult;
     }
+    void ReleaseHostObjects() override { m_notes.note("ReleaseHostObjects"); }
+    bool HoldsContextObjects() const override { return m_notes.blHoldsContextObjects; }
     void ReleaseEGL() override { m_notes.note("ReleaseEGL"); }
+    void DestroyEglResource() override { m_notes.note("DestroyEglResource"); }
+    void ReleaseContextObjects() override { m_notes.note("ReleaseContextObjects"); }
 
 private:
     HardwareNotes &m_notes;

@@ -108,7 +108,7 @@ TEST_F(HardwareSubmission, LeavingTheTypeClearsFirstWithReserveForcedOff)
     CoreLog::instance().clear();
 
     EXPECT_EQ(show(VIDEO_DISPLAY_YV12), 0);
-    EXPECT_THAT(m_notes.take(), ElementsAre("ClearFramePending"));
+    EXPECT_THAT(m_notes.take(), ElementsAre("ClearFramePending", "ReleaseHostObjects"));
     EXPECT_EQ(m_yuv.blReserveLastFrm, 0);
     EXPECT_FALSE(m_yuv.m_bClearPending);
     EXPECT_NE(m_yuv.m_pD3D11EGL.get(), pBefore); // replaced, not reused

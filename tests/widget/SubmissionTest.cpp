@@ -5,6 +5,7 @@
 #include "Frames.h"
 #include "HostWindow.h"
 #include "OpenRenderer.h"
+#include "d3d11/CLS_D3D11EGL.h"
 
 #include <gmock/gmock.h>
 
