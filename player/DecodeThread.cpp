@@ -5,6 +5,9 @@
 DecodeThread::DecodeThread(const DecodeSettings &settings, const xelt::Renderer &renderer)
     : m_settings(settings), m_renderer(renderer), m_packer(settings.layout)
 {
+    if (settings.layout == FrameLayout::Texture) {
+        m_textures.emplace();
+    }
 }
 
 DecodeThread::~DecodeThread()
@@ -92,6 +95,13 @@ bool DecodeThread::playFrame(const VideoDecoder &decoder)
     if (pFrame == nullptr) {
         m_strProblem = QStringLiteral("holds a picture that cannot be converted");
         return false;
+    }
+    if (m_textures) {
+        pFrame = m_textures->upload(*pFrame);
+        if (pFrame == nullptr) {
+            m_strProblem = QStringLiteral("holds a picture that no Direct3D 11 texture can hold");
+            return false;
+        }
     }
     return show(*pFrame, m_loopStart + decoder.frameSeconds()) && !reachedLast();
 }

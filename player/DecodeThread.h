@@ -2,6 +2,7 @@
 
 #include "FramePacker.h"
 #include "Pacer.h"
+#include "TextureFrames.h"
 #include "VideoDecoder.h"
 
 #include <XeltRender.hpp>
@@ -80,6 +81,7 @@ private:
     const DecodeSettings m_settings;
     const xelt::Renderer &m_renderer;
     FramePacker m_packer;
+    std::optional<TextureFrames> m_textures; // where the frames go that way
     Pacer m_pacer;
     FrameCounts m_counts;
     QString m_strProblem;

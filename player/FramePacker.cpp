@@ -55,6 +55,7 @@ const VideoFrameDesc *FramePacker::pack(const AVFrame &picture)
         packYv12(*pPlanes);
         break;
     case FrameLayout::Nv12:
+    case FrameLayout::Texture:
         packNv12(*pPlanes);
         break;
     case FrameLayout::Nv12Padded:

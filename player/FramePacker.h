@@ -11,6 +11,7 @@ enum class FrameLayout {
     Yv12,
     Nv12,       // two plane pointers, packed rows
     Nv12Padded, // one pointer; rows wider and the surface higher than the picture, as decoders make them
+    Texture,    // packed as Nv12, one plane behind the other, on its way into a Direct3D 11 texture
 };
 
 // Turns decoded pictures into frames for the renderer. Not shared between threads.

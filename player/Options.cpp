@@ -1,5 +1,7 @@
 #include "Options.h"
 
+#include "TextureFrames.h"
+
 #include <QCommandLineParser>
 
 #include <cmath>
@@ -150,6 +152,18 @@ QSize windowSize(const QCommandLineParser &parser)
     return size;
 }
 
+FrameLayout textureLayout(const QCommandLineParser &parser)
+{
+    if (!TextureFrames::isAvailable()) {
+        throw UsageError(
+            QStringLiteral("--format d3d11: this build plays no Direct3D 11 textures; take yv12 or nv12"));
+    }
+    if (parser.isSet(QStringLiteral("desktop-gl"))) {
+        throw UsageError(QStringLiteral("--format d3d11 needs OpenGL ES, without --desktop-gl"));
+    }
+    return FrameLayout::Texture;
+}
+
 FrameLayout frameLayout(const QCommandLineParser &parser)
 {
     const QStringList astrNames{QStringLiteral("yv12"), QStringLiteral("nv12"), QStringLiteral("nv12-padded"),
@@ -162,8 +176,7 @@ FrameLayout frameLayout(const QCommandLineParser &parser)
     case 2:
         return FrameLayout::Nv12Padded;
     default:
-        throw UsageError(
-            QStringLiteral("--format d3d11: this build plays no Direct3D 11 textures; take yv12 or nv12"));
+        return textureLayout(parser);
     }
 }
 

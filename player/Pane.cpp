@@ -53,6 +53,9 @@ Pane::Pane(int nNumber, const QString &strFile, const Options &options, QLayout 
     if (!isValid()) {
         return;
     }
+    if (options.layout == FrameLayout::Texture) {
+        m_renderer.setD3D11Device(TextureFrames::device());
+    }
     m_feeder.setEnabled(m_blOverlay);
     if (m_pTextLayer != nullptr) {
         m_renderer.setLabelParent(m_pTextLayer);

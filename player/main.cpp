@@ -4,6 +4,7 @@
 #include "PlayerWindow.h"
 
 #include <QApplication>
+#include <QLoggingCategory>
 #include <QOpenGLContext>
 #include <QSurfaceFormat>
 
@@ -86,6 +87,9 @@ int main(int argc, char *argv[])
     }
     if (options.logLevel) {
         qputenv("XELT_CORELOG_LEVEL", QByteArray::number(*options.logLevel)); // read with the first renderer
+    }
+    if (options.logLevel.value_or(0) < 200) {
+        QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false")); // the library's own steps
     }
     av_log_set_level(AV_LOG_QUIET); // what goes wrong is told in one line of our own
     chooseGl(options.blDesktopGl);

@@ -57,12 +57,6 @@ TEST(Errors, commandLine)
     }
 }
 
-TEST(Errors, direct3dTextures)
-{
-    expectOneLine({Clips::quarters(), QStringLiteral("--format"), QStringLiteral("d3d11")}, 2,
-                  QStringLiteral("Direct3D 11"));
-}
-
 TEST(Errors, helpIsNoError)
 {
     const PlayerResult result =
