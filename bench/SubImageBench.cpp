@@ -2,69 +2,18 @@
 #include "BenchPane.h"
 #include "Contest.h"
 #include "Failures.h"
+#include "MixedWindow.h"
 
 #include <benchmark/benchmark.h>
 
-#include <QCoreApplication>
-#include <QElapsedTimer>
-#include <QEventLoop>
-#include <QGridLayout>
 #include <QImage>
 
-#include <algorithm>
 #include <cstdio>
 #include <vector>
 
 namespace {
 
-constexpr int kOpenTimeoutMs = 20000;
-constexpr int kGridColumns = 8;
 constexpr int kWarmUpRounds = 2;
-
-// One window with panes of any renderer type. GUI thread only.
-class MixedWindow
-{
-public:
-    // Makes a pane and returns its number.
-    std::size_t Add(xelt::RendererType type, QSize size)
-    {
-        auto renderer = xelt::Renderer::create(type);
-        if (!renderer)
-            qFatal("xeltbench: the library made no renderer");
-        const int nCell = static_cast<int>(m_panes.size());
-        renderer.widget()->setFixedSize(size);
-        m_layout.addWidget(renderer.widget(), nCell / kGridColumns, nCell % kGridColumns);
-        m_panes.push_back(std::move(renderer));
-        return m_panes.size() - 1;
-    }
-
-    const xelt::Renderer &Pane(std::size_t nPane) const { return m_panes[nPane]; }
-    QOpenGLWidget &Widget(std::size_t nPane) const
-    {
-        return *qobject_cast<QOpenGLWidget *>(m_panes[nPane].widget());
-    }
-
-    bool Open()
-    {
-        m_window.show();
-        const auto ready = [this] {
-            return std::all_of(m_panes.begin(), m_panes.end(), [](const xelt::Renderer &pane) {
-                return pane.widget()->isVisible() && qobject_cast<QOpenGLWidget *>(pane.widget())->isValid();
-            });
-        };
-        QElapsedTimer timer;
-        timer.start();
-        do
-            QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
-        while (!ready() && timer.elapsed() < kOpenTimeoutMs);
-        return ready();
-    }
-
-private:
-    QWidget m_window; // outlives the renderers
-    QGridLayout m_layout{&m_window};
-    std::vector<xelt::Renderer> m_panes;
-};
 
 // The sub-image renderer's upload, which updates textures, beside the other's, which makes them anew: paints
 // of nPanes panes of either type in turn.

@@ -7,10 +7,8 @@
 
 #include <cstdio>
 
-void RegisterSubmitBenchmarks();
-void RegisterPaintBenchmarks();
-void RegisterPanesBenchmarks();
-void RegisterSubImageBenchmarks();
+// Every program has its own.
+void RegisterBenchmarks();
 
 int main(int argc, char **argv)
 {
@@ -27,10 +25,7 @@ int main(int argc, char **argv)
     QSurfaceFormat::setDefaultFormat(format);
     const QApplication application(argc, argv);
 
-    RegisterSubmitBenchmarks();
-    RegisterPaintBenchmarks();
-    RegisterPanesBenchmarks();
-    RegisterSubImageBenchmarks();
+    RegisterBenchmarks();
     if (benchmark::RunSpecifiedBenchmarks() == 0) {
         std::fputs("xeltbench: no benchmark has such a name\n", stderr);
         return 2;
