@@ -3,11 +3,10 @@
 #include "XeltRender.h"
 
 #include <QApplication>
+#include <QLibrary>
 #include <QTimer>
 #include <QVBoxLayout>
 #include <QWidget>
-
-#include <dlfcn.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -23,13 +22,13 @@ struct Library
 {
     explicit Library(const char *pPath)
     {
-        void *pModule = dlopen(pPath, RTLD_NOW);
-        if (pModule == nullptr) {
-            std::fprintf(stderr, "%s\n", dlerror());
+        QLibrary library(QString::fromLocal8Bit(pPath));
+        if (!library.load()) {
+            std::fprintf(stderr, "%s\n", qPrintable(library.errorString()));
             std::_Exit(2);
         }
-        create = reinterpret_cast<decltype(create)>(dlsym(pModule, "Xelt_Create"));
-        show = reinterpret_cast<decltype(show)>(dlsym(pModule, "Xelt_ShowYuvFrame"));
+        create = reinterpret_cast<decltype(create)>(library.resolve("Xelt_Create"));
+        show = reinterpret_cast<decltype(show)>(library.resolve("Xelt_ShowYuvFrame"));
     }
     decltype(&Xelt_Create) create;
     decltype(&Xelt_ShowYuvFrame) show;

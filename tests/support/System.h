@@ -24,5 +24,9 @@ void freeGuarded(void *pMemory, size_t nUsable);
 // Open files and the like of this process; -1 when they cannot be counted.
 int openHandles();
 size_t residentBytes();
+// Bytes that the allocator has handed out and not got back.
+size_t heapInUse();
+// Whether a sanitizer's allocator is in use, which keeps freed memory for a while.
+bool hasSanitizerAllocator();
 
 } // namespace xelttest

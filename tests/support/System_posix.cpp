@@ -2,6 +2,7 @@
 
 #include <dirent.h>
 #include <dlfcn.h>
+#include <malloc.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -9,6 +10,9 @@
 #include <cstdio>
 #include <cstring>
 #include <new>
+
+// Of the sanitizer's run-time library, where there is one.
+extern "C" size_t __sanitizer_get_current_allocated_bytes() __attribute__((weak));
 
 namespace xelttest {
 
@@ -95,6 +99,20 @@ size_t residentBytes()
         std::fclose(pFile);
     }
     return nResident * pageSize();
+}
+
+bool hasSanitizerAllocator()
+{
+    return &__sanitizer_get_current_allocated_bytes != nullptr;
+}
+
+size_t heapInUse()
+{
+    if (hasSanitizerAllocator()) {
+        return __sanitizer_get_current_allocated_bytes();
+    }
+    const struct mallinfo2 info = mallinfo2();
+    return info.uordblks + info.hblkhd;
 }
 
 } // namespace xelttest

@@ -86,4 +86,23 @@ size_t residentBytes()
                                                                                  : 0;
 }
 
+bool hasSanitizerAllocator()
+{
+    return false;
+}
+
+size_t heapInUse()
+{
+    // The C run-time library allocates from the process's heap.
+    const HANDLE hHeap = GetProcessHeap();
+    PROCESS_HEAP_ENTRY entry{};
+    size_t nBytes = 0;
+    HeapLock(hHeap);
+    while (HeapWalk(hHeap, &entry)) {
+        nBytes += (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0 ? entry.cbData : 0;
+    }
+    HeapUnlock(hHeap);
+    return nBytes;
+}
+
 } // namespace xelttest

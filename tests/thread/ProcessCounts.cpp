@@ -2,26 +2,7 @@
 
 #include <QOpenGLFunctions>
 
-#include <malloc.h>
-
-// Of the sanitizer's run-time library, where there is one.
-extern "C" size_t __sanitizer_get_current_allocated_bytes() __attribute__((weak));
-
 namespace xelttest {
-
-bool hasSanitizerAllocator()
-{
-    return &__sanitizer_get_current_allocated_bytes != nullptr;
-}
-
-size_t heapInUse()
-{
-    if (hasSanitizerAllocator()) {
-        return __sanitizer_get_current_allocated_bytes();
-    }
-    const struct mallinfo2 info = mallinfo2();
-    return info.uordblks + info.hblkhd;
-}
 
 bool GlObjects::operator==(const GlObjects &other) const
 {

@@ -7,11 +7,6 @@
 
 namespace xelttest {
 
-// Bytes that the allocator has handed out and not got back.
-size_t heapInUse();
-// Whether a sanitizer's allocator is in use, which keeps freed memory for a while.
-bool hasSanitizerAllocator();
-
 // Textures, programs and shaders with small names that exist in the context's share group. Needs the context
 // current; GUI thread.
 struct GlObjects
