@@ -100,7 +100,7 @@ ContextPointer ShareGroups::Current() const noexcept
 
 ContextPointer ShareGroups::CurrentOrNew()
 {
-    const ContextPointer pContext = Current();
+    ContextPointer pContext = Current();
     const EGLContext hContext = eglGetCurrentContext();
     if (pContext || hContext == EGL_NO_CONTEXT) {
         return pContext;
