@@ -68,12 +68,13 @@ void CLS_D3D11EGL::Draw()
     QOpenGLFunctions &gl = *QOpenGLContext::currentContext()->functions();
     gl.glActiveTexture(GL_TEXTURE0);
     gl.glBindTexture(GL_TEXTURE_2D, m_program.Texture());
-    if (!BindProgram()) {
+    if (!m_program.Bind()) {
         return;
     }
     if (!m_colorMatrix.isValid()) {
         m_program.LoadColorUniforms(m_colorMatrix);
     }
+    m_program.SetMatrix(PictureMatrix());
     UpdateGeometry();
     gl.glEnable(GL_BLEND);
     gl.glBlendFuncSeparate(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
