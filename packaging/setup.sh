@@ -1,8 +1,8 @@
 # shellcheck shell=bash
 # What ./play and ./test share: the Debian packages and a virtual display. Sourced by them, with `set -eu`.
 #
-#   xelt_install_packages all|test   installs what is missing of packages.txt, with "test" the lines after
-#                                    "[test]" as well. Asks nothing.
+#   xelt_install_packages all|test|windows   installs what is missing of packages.txt: the lines before the first
+#                                    section, with the name of a section those of this one as well. Asks nothing.
 #   xelt_has_display                 whether a window can be opened as things stand.
 #   xelt_start_display [WxHxD]       starts Xvfb on a free display number and exports DISPLAY.
 #   xelt_stop_display                ends it; xelt_start_display makes it the EXIT trap.
@@ -18,8 +18,8 @@ xelt_list_packages() {
         line="${line//[[:space:]]/}"
         case "$line" in
             "") ;;
-            "[test]") section="test" ;;
-            *) if [ "$section" = all ] || [ "${1:-}" = test ]; then printf '%s\n' "$line"; fi ;;
+            "["*"]") section="${line:1:-1}" ;;
+            *) if [ "$section" = all ] || [ "${1:-}" = "$section" ]; then printf '%s\n' "$line"; fi ;;
         esac
     done < "$xelt_packages_file"
 }

@@ -11,12 +11,42 @@
 #   WHITEBOX links the library's objects instead of the shared library, to reach what is not exported.
 #   OWN_MAIN leaves out the main of tests/support.
 #   TIMEOUT is for an ordinary build; sanitizer builds get six times as long.
+#   What windows-excluded.txt names is left out where that counts.
 #
 # xelt_test_environment(VARIABLE [es|desktop|none] [scale])
 #   The list of environment settings that such an entry gets, for tests registered by hand with add_test.
 
 set(XELT_TEST_BIN_DIR ${PROJECT_BINARY_DIR}/tests/bin)
 set(XELT_TEST_ARTIFACT_DIR ${PROJECT_BINARY_DIR}/tests/artifacts)
+
+if(WIN32)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${CMAKE_CURRENT_LIST_DIR}/windows-excluded.txt)
+  file(STRINGS ${CMAKE_CURRENT_LIST_DIR}/windows-excluded.txt XELT_EXCLUDED REGEX "^[^#]")
+else()
+  set(XELT_EXCLUDED "")
+endif()
+
+# The reason why something is left out on this system; empty when it is not.
+function(xelt_excluded VARIABLE WHAT)
+  set(${VARIABLE} "" PARENT_SCOPE)
+  foreach(line IN LISTS XELT_EXCLUDED)
+    if(line MATCHES "^([^:]*): (.*)$" AND CMAKE_MATCH_1 STREQUAL WHAT)
+      set(${VARIABLE} "${CMAKE_MATCH_2}" PARENT_SCOPE)
+    endif()
+  endforeach()
+endfunction()
+
+# A GoogleTest filter of a program's tests that are left out on this system; empty when there are none.
+function(_xelt_excluded_tests VARIABLE PROGRAM)
+  set(tests "")
+  foreach(line IN LISTS XELT_EXCLUDED)
+    if(line MATCHES "^${PROGRAM} ([^:]*): ")
+      list(APPEND tests ${CMAKE_MATCH_1})
+    endif()
+  endforeach()
+  list(JOIN tests ":" tests)
+  set(${VARIABLE} "${tests}" PARENT_SCOPE)
+endfunction()
 
 function(xelt_test_environment VARIABLE FLAVOUR)
   set(support ${PROJECT_SOURCE_DIR}/tests/support)
@@ -29,11 +59,17 @@ function(xelt_test_environment VARIABLE FLAVOUR)
     "XELT_TEST_SCALE=${scale}"
     "XELT_TEST_ARTIFACTS=${XELT_TEST_ARTIFACT_DIR}/${FLAVOUR}-scale${scale}"
     "QT_SCALE_FACTOR=${scale}"
-    "QT_QPA_PLATFORM=xcb"
-    "QT_LOGGING_RULES=*.debug=false"
-    "NO_AT_BRIDGE=1"
-    "LIBGL_ALWAYS_SOFTWARE=1")
-  if(FLAVOUR STREQUAL "es")
+    "QT_LOGGING_RULES=*.debug=false")
+  if(WIN32)
+    list(APPEND environment "QT_QPA_PLATFORM=windows")
+  else()
+    list(APPEND environment "QT_QPA_PLATFORM=xcb" "NO_AT_BRIDGE=1" "LIBGL_ALWAYS_SOFTWARE=1")
+  endif()
+  if(WIN32 AND FLAVOUR STREQUAL "es")
+    list(APPEND environment "QT_OPENGL=angle")
+  elseif(WIN32 AND FLAVOUR STREQUAL "desktop")
+    list(APPEND environment "QT_OPENGL=desktop")
+  elseif(FLAVOUR STREQUAL "es")
     list(APPEND environment "QT_XCB_GL_INTEGRATION=xcb_egl")
   elseif(FLAVOUR STREQUAL "desktop")
     list(APPEND environment "QT_XCB_GL_INTEGRATION=xcb_glx")
@@ -51,11 +87,12 @@ function(xelt_test_environment VARIABLE FLAVOUR)
 endfunction()
 
 function(_xelt_register_test NAME ENTRY FLAVOUR LABEL TIMEOUT ENVIRONMENT)
-  set(launcher "")
-  if(NOT FLAVOUR STREQUAL "none")
-    set(launcher ${PROJECT_SOURCE_DIR}/tests/support/on-own-display.sh)
+  # A target's own name stands for its file, with the emulator in front where there is one.
+  set(command ${NAME})
+  if(NOT FLAVOUR STREQUAL "none" AND NOT WIN32)
+    set(command ${PROJECT_SOURCE_DIR}/tests/support/on-own-display.sh $<TARGET_FILE:${NAME}>)
   endif()
-  add_test(NAME ${ENTRY} COMMAND ${launcher} $<TARGET_FILE:${NAME}> WORKING_DIRECTORY ${XELT_TEST_BIN_DIR})
+  add_test(NAME ${ENTRY} COMMAND ${command} WORKING_DIRECTORY ${XELT_TEST_BIN_DIR})
   set_tests_properties(${ENTRY} PROPERTIES LABELS ${LABEL} TIMEOUT ${TIMEOUT} ENVIRONMENT "${ENVIRONMENT}")
 endfunction()
 
@@ -72,6 +109,23 @@ function(xelt_add_test)
       list(GET pair 1 ARG_${key})
     endif()
   endforeach()
+
+  xelt_excluded(reason ${ARG_NAME})
+  if(reason)
+    message(STATUS "Left out on this system: ${ARG_NAME}: ${reason}")
+    return()
+  endif()
+  _xelt_excluded_tests(excluded ${ARG_NAME})
+  if(excluded)
+    message(STATUS "Left out on this system: ${ARG_NAME}: ${excluded}")
+    if(NOT ARG_ENVIRONMENT MATCHES "GTEST_FILTER=")
+      list(APPEND ARG_ENVIRONMENT "GTEST_FILTER=-${excluded}")
+    elseif(ARG_ENVIRONMENT MATCHES "GTEST_FILTER=[^;]*-")
+      string(REGEX REPLACE "(GTEST_FILTER=[^;]*)" "\\1:${excluded}" ARG_ENVIRONMENT "${ARG_ENVIRONMENT}")
+    else()
+      string(REGEX REPLACE "(GTEST_FILTER=[^;]*)" "\\1-${excluded}" ARG_ENVIRONMENT "${ARG_ENVIRONMENT}")
+    endif()
+  endif()
 
   add_executable(${ARG_NAME} ${ARG_SOURCES})
   target_link_libraries(${ARG_NAME} PRIVATE xelt_build_flags ${ARG_LIBRARIES} XeltTestSupport)
