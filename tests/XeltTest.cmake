@@ -10,7 +10,8 @@
 #   display of their own.
 #   WHITEBOX links the library's objects instead of the shared library, to reach what is not exported.
 #   OWN_MAIN leaves out the main of tests/support.
-#   TIMEOUT is for an ordinary build; sanitizer builds get six times as long.
+#   TIMEOUT is for an ordinary build; sanitizer builds, and programs that are run by another
+#   system than their own, get six times as long.
 #   What windows-excluded.txt names is left out where that counts.
 #
 # xelt_test_environment(VARIABLE [es|desktop|none] [scale])
@@ -153,7 +154,7 @@ function(xelt_add_test)
   endif()
   add_dependencies(xelt_${ARG_LABEL}_tests ${ARG_NAME})
 
-  if(XELT_SANITIZE)
+  if(XELT_SANITIZE OR CMAKE_CROSSCOMPILING)
     math(EXPR ARG_TIMEOUT "${ARG_TIMEOUT} * 6")
   endif()
   if(ARG_GL STREQUAL "both")

@@ -30,7 +30,8 @@ void *allocateOrThrow(size_t nSize, const void *pCaller)
 AllocationTrap::AllocationTrap(Form form, size_t nSmallest, size_t nLargest, std::function<bool()> action)
     : m_form(form), m_nSmallest(nSmallest), m_nLargest(nLargest), m_action(std::move(action))
 {
-    t_pTrap = this;
+    static const bool s_blReady = (setLibraryAllocator(&operator new, &operator new), true);
+    t_pTrap = s_blReady ? this : nullptr;
 }
 
 AllocationTrap::~AllocationTrap()

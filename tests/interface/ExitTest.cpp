@@ -14,6 +14,19 @@ class Exit : public testing::TestWithParam<const char *>
 {
 };
 
+// Without the lines that the display makes Qt write in every program, if it does.
+std::string complaints(const QByteArray &abErrors)
+{
+    const QByteArray abNoise = qgetenv("XELT_TEST_NOISE");
+    QByteArray abRest;
+    for (const QByteArray &abLine : abErrors.split('\n')) {
+        if (abNoise.isEmpty() || !abLine.startsWith(abNoise)) {
+            abRest += abLine;
+        }
+    }
+    return abRest.toStdString();
+}
+
 TEST_P(Exit, WithARegisteredPaneIsQuiet)
 {
     // Qt complains on standard error where there is none.
@@ -30,7 +43,7 @@ TEST_P(Exit, WithARegisteredPaneIsQuiet)
     ASSERT_TRUE(host.waitForFinished(60000));
     EXPECT_EQ(host.exitStatus(), QProcess::NormalExit);
     EXPECT_EQ(host.exitCode(), 0);
-    EXPECT_EQ(host.readAllStandardError().toStdString(), "");
+    EXPECT_EQ(complaints(host.readAllStandardError()), "");
 }
 
 INSTANTIATE_TEST_SUITE_P(Hosts, Exit,

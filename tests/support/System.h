@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <new>
 #include <string>
 
 namespace xelttest {
@@ -13,6 +14,11 @@ std::string executableFolder();
 void *openModule(const std::string &sPath);
 // Null when the module does not export the name.
 void *moduleSymbol(void *pModule, const char *pszName);
+// The environment variable with the folders in which the system looks for modules.
+const char *moduleSearchVariable();
+// The same for all ways to write one path: where the system takes no notice of case and of which separator it is,
+// neither do comparisons.
+std::string comparablePath(std::string sPath);
 // Whether the code is this program's or the library's under test.
 bool isOurCode(const void *pCode);
 
@@ -20,6 +26,10 @@ bool isOurCode(const void *pCode);
 // std::bad_alloc. nUsable is how much lies before that page.
 void *allocateGuarded(size_t nSize, size_t &nUsable);
 void freeGuarded(void *pMemory, size_t nUsable);
+
+// Makes the library under test allocate by these functions, where it does not do so by itself because the program
+// has them for operators new and new[].
+void setLibraryAllocator(void *(*pfnNew)(size_t), void *(*pfnNewNoThrow)(size_t, const std::nothrow_t &));
 
 // Open files and the like of this process; -1 when they cannot be counted.
 int openHandles();

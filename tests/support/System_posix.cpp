@@ -43,6 +43,16 @@ void *moduleSymbol(void *pModule, const char *pszName)
     return dlsym(pModule, pszName);
 }
 
+const char *moduleSearchVariable()
+{
+    return "LD_LIBRARY_PATH";
+}
+
+std::string comparablePath(std::string sPath)
+{
+    return sPath;
+}
+
 bool isOurCode(const void *pCode)
 {
     static const char s_chProgram = 0;
@@ -71,6 +81,12 @@ void *allocateGuarded(size_t nSize, size_t &nUsable)
 void freeGuarded(void *pMemory, size_t nUsable)
 {
     munmap(pMemory, nUsable + pageSize());
+}
+
+// The program's definitions come before those of the libraries.
+void setLibraryAllocator(void *(* /*pfnNew*/)(size_t),
+                         void *(* /*pfnNewNoThrow*/)(size_t, const std::nothrow_t &))
+{
 }
 
 int openHandles()

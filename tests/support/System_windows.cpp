@@ -1,14 +1,19 @@
 #include "System.h"
 
+#include "ImportTable.h"
+
 #include <windows.h>
 
 #include <psapi.h>
 
+#include <algorithm>
 #include <new>
 
 namespace xelttest {
 
 namespace {
+
+constexpr char k_szLibrary[] = "XeltRender.dll";
 
 size_t pageSize()
 {
@@ -45,11 +50,23 @@ void *moduleSymbol(void *pModule, const char *pszName)
     return reinterpret_cast<void *>(GetProcAddress(static_cast<HMODULE>(pModule), pszName));
 }
 
+const char *moduleSearchVariable()
+{
+    return "PATH";
+}
+
+std::string comparablePath(std::string sPath)
+{
+    std::replace(sPath.begin(), sPath.end(), '/', '\\');
+    CharLowerBuffA(sPath.data(), static_cast<DWORD>(sPath.size()));
+    return sPath;
+}
+
 bool isOurCode(const void *pCode)
 {
     const HMODULE hModule = moduleOf(pCode);
     return hModule != nullptr &&
-           (hModule == GetModuleHandleA(nullptr) || hModule == GetModuleHandleA("XeltRender.dll"));
+           (hModule == GetModuleHandleA(nullptr) || hModule == GetModuleHandleA(k_szLibrary));
 }
 
 void *allocateGuarded(size_t nSize, size_t &nUsable)
@@ -71,6 +88,17 @@ void *allocateGuarded(size_t nSize, size_t &nUsable)
 void freeGuarded(void *pMemory, size_t /*nUsable*/)
 {
     VirtualFree(pMemory, 0, MEM_RELEASE);
+}
+
+// What it allocated before and frees later, or the other way round, is of the C library's heap all the same.
+void setLibraryAllocator(void *(*pfnNew)(size_t), void *(*pfnNewNoThrow)(size_t, const std::nothrow_t &))
+{
+    for (const char *pszName : {"_Znwy", "_Znay"}) {
+        replaceImport(k_szLibrary, pszName, reinterpret_cast<void *>(pfnNew));
+    }
+    for (const char *pszName : {"_ZnwyRKSt9nothrow_t", "_ZnayRKSt9nothrow_t"}) {
+        replaceImport(k_szLibrary, pszName, reinterpret_cast<void *>(pfnNewNoThrow));
+    }
 }
 
 int openHandles()
