@@ -3,6 +3,8 @@
 #include "Frames.h"
 #include "HostWindow.h"
 #include "ImageCompare.h"
+#include "LoadWatch.h"
+#include "System.h"
 #include "TestEnvironment.h"
 #include "log/CLS_OmbrixApi.h"
 
@@ -11,7 +13,6 @@
 #include <atomic>
 #include <cstdio>
 #include <cstring>
-#include <dlfcn.h>
 #include <filesystem>
 #include <map>
 #include <set>
@@ -21,24 +22,10 @@ namespace {
 
 std::atomic<int> g_nCoreLoads{0};
 
-} // namespace
-
-extern "C" {
-
-void *__real_dlopen(const char *pszFile, int nFlags); // NOLINT: the linker's name
-void *__wrap_dlopen(const char *pszFile, int nFlags); // NOLINT
-
-void *__wrap_dlopen(const char *pszFile, int nFlags) // NOLINT
+void countLoad(const char *pszPath)
 {
-    void *pModule = __real_dlopen(pszFile, nFlags);
-    if (pModule != nullptr && pszFile != nullptr && std::strstr(pszFile, "Ombrix.dll") != nullptr) {
-        ++g_nCoreLoads;
-    }
-    return pModule;
+    g_nCoreLoads += std::strstr(pszPath, "Ombrix.dll") != nullptr ? 1 : 0;
 }
-}
-
-namespace {
 
 using Arguments = std::vector<std::string>;
 
@@ -189,9 +176,8 @@ int beside(const Arguments &arguments)
     const std::string sHandle = arguments.at(2);
     void *hModule = nullptr;
     if (!sHandle.empty()) {
-        hModule = dlopen(sHandle.c_str(), RTLD_NOW | RTLD_LOCAL);
+        hModule = xelttest::openModule(sHandle);
         if (hModule == nullptr) {
-            std::printf("%s\n", dlerror());
             return 2;
         }
     }
@@ -216,6 +202,7 @@ int beside(const Arguments &arguments)
 
 int main(int argc, char *argv[])
 {
+    xelttest::watchLoads(countLoad);
     const std::map<std::string, int (*)(const Arguments &)> mapSteps = {
         {"operation", operation}, {"create", create}, {"fail", fail},       {"retry", retry},
         {"entries", entries},     {"race", race},     {"picture", picture}, {"beside", beside}};

@@ -1,5 +1,8 @@
 #include "ProbeRun.h"
 
+#include "System.h"
+
+#include <QDir>
 #include <QProcess>
 #include <QProcessEnvironment>
 
@@ -9,19 +12,30 @@ namespace xelttest {
 
 namespace fs = std::filesystem;
 
-ProbeFolder::ProbeFolder() : m_folder(QString::fromStdString(fs::current_path() / "probe-XXXXXX"))
+namespace {
+
+std::string text(const QByteArray &abOutput)
+{
+    return QByteArray(abOutput).replace("\r\n", "\n").toStdString();
+}
+
+} // namespace
+
+ProbeFolder::ProbeFolder()
+    : m_folder(QDir::current().filePath(QStringLiteral("probe-XXXXXX"))),
+      m_sProgram(path("host/probe" + fs::path(CORE_PROBE).extension().string()))
 {
     fs::create_directories(path("host"));
     std::error_code error;
-    fs::create_hard_link(CORE_PROBE, path("host/probe"), error);
+    fs::create_hard_link(CORE_PROBE, m_sProgram, error);
     if (error) {
-        fs::copy_file(CORE_PROBE, path("host/probe"));
+        fs::copy_file(CORE_PROBE, m_sProgram);
     }
 }
 
 std::string ProbeFolder::path(const std::string &sName) const
 {
-    return m_folder.filePath(QString::fromStdString(sName)).toStdString();
+    return QDir::toNativeSeparators(m_folder.filePath(QString::fromStdString(sName))).toStdString();
 }
 
 std::string ProbeFolder::variantPath(const std::string &sVariant)
@@ -41,7 +55,12 @@ ProbeResult ProbeFolder::run(const QStringList &arguments, const std::string &sL
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.remove(QStringLiteral("LD_LIBRARY_PATH"));
     if (!sLibraryPath.empty()) {
-        environment.insert(QStringLiteral("LD_LIBRARY_PATH"), QString::fromStdString(sLibraryPath));
+        const QString strVariable = QString::fromLatin1(moduleSearchVariable());
+        QStringList lstFolders(QString::fromStdString(sLibraryPath));
+        if (environment.contains(strVariable)) {
+            lstFolders += environment.value(strVariable);
+        }
+        environment.insert(strVariable, lstFolders.join(QDir::listSeparator()));
     }
     if (display == Display::None) {
         environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
@@ -51,7 +70,7 @@ ProbeResult ProbeFolder::run(const QStringList &arguments, const std::string &sL
     QProcess process;
     process.setProcessEnvironment(environment);
     process.setWorkingDirectory(m_folder.path());
-    process.start(QString::fromStdString(path("host/probe")), arguments);
+    process.start(QString::fromStdString(m_sProgram), arguments);
     constexpr int k_nTimeoutMs = 60000;
     ProbeResult result;
     if (!process.waitForFinished(k_nTimeoutMs)) {
@@ -60,8 +79,8 @@ ProbeResult ProbeFolder::run(const QStringList &arguments, const std::string &sL
         return result;
     }
     result.nExitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
-    result.sOutput = process.readAllStandardOutput().toStdString();
-    result.sErrors = process.readAllStandardError().toStdString();
+    result.sOutput = text(process.readAllStandardOutput());
+    result.sErrors = text(process.readAllStandardError());
     return result;
 }
 

@@ -20,7 +20,7 @@ class ProbeFolder
 public:
     ProbeFolder();
 
-    // Path of a file or folder in the temporary folder, which also holds "host/probe", the program.
+    // Path of a file or folder in the temporary folder, which also holds the program, in "host".
     std::string path(const std::string &sName) const;
     // Puts a core library there under a name, "host/Ombrix.dll" for the one beside the program.
     void placeCore(const std::string &sVariant, const std::string &sName = "host/Ombrix.dll") const;
@@ -33,6 +33,7 @@ public:
 
 private:
     QTemporaryDir m_folder;
+    std::string m_sProgram;
 };
 
 } // namespace xelttest

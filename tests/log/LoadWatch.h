@@ -1,0 +1,9 @@
+// The modules that this program's own code loads, the library's objects in it included.
+#pragma once
+
+namespace xelttest {
+
+// From here on the function is told the path of each module that is loaded, if loading it succeeds. Call it once.
+void watchLoads(void (*pfnLoaded)(const char *pszPath));
+
+} // namespace xelttest

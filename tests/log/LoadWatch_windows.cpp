@@ -1,0 +1,46 @@
+#include "LoadWatch.h"
+
+#include "ImportTable.h"
+
+#include <windows.h>
+
+namespace {
+
+void (*g_pfnLoaded)(const char *) = nullptr;
+
+HMODULE told(HMODULE hModule, const char *pszPath)
+{
+    if (hModule != nullptr) {
+        g_pfnLoaded(pszPath);
+    }
+    return hModule;
+}
+
+decltype(&LoadLibraryA) g_pfnLoad = nullptr;
+decltype(&LoadLibraryExA) g_pfnLoadEx = nullptr;
+
+HMODULE WINAPI load(const char *pszPath)
+{
+    return told(g_pfnLoad(pszPath), pszPath);
+}
+
+HMODULE WINAPI loadEx(const char *pszPath, HANDLE hFile, DWORD nFlags)
+{
+    return told(g_pfnLoadEx(pszPath, hFile, nFlags), pszPath);
+}
+
+} // namespace
+
+namespace xelttest {
+
+void watchLoads(void (*pfnLoaded)(const char *))
+{
+    g_pfnLoaded = pfnLoaded;
+    // Not what the replacing answers: the functions must be known before they can be called.
+    g_pfnLoad = &LoadLibraryA;
+    g_pfnLoadEx = &LoadLibraryExA;
+    replaceImport("", "LoadLibraryA", reinterpret_cast<void *>(&load));
+    replaceImport("", "LoadLibraryExA", reinterpret_cast<void *>(&loadEx));
+}
+
+} // namespace xelttest
