@@ -1,82 +1,39 @@
 // Text and numbers that a careless or hostile host may send.
+#include "FileWatch.h"
 #include "LabelTest.h"
 
-#include <QFile>
+#include <QHostAddress>
 #include <QImage>
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QTemporaryDir>
-
-#include <arpa/inet.h>
-#include <netinet/in.h>
-#include <sys/inotify.h>
-#include <sys/socket.h>
-#include <unistd.h>
-
-#include <array>
+#include <QUrl>
 
 namespace {
 
 using namespace xelttest;
 
-// Counts how often a file is opened or read by anyone, this process included.
-class FileWatch
-{
-public:
-    explicit FileWatch(const QString &strPath) : m_nNotify(inotify_init1(IN_NONBLOCK))
-    {
-        m_blReady =
-            inotify_add_watch(m_nNotify, QFile::encodeName(strPath).constData(), IN_OPEN | IN_ACCESS) >= 0;
-    }
-    ~FileWatch() { close(m_nNotify); }
-    FileWatch(const FileWatch &) = delete;
-    FileWatch &operator=(const FileWatch &) = delete;
-
-    bool isReady() const { return m_blReady; }
-    bool wasTouched() const
-    {
-        std::array<char, 4096> aEvents;
-        return read(m_nNotify, aEvents.data(), aEvents.size()) > 0;
-    }
-
-private:
-    int m_nNotify;
-    bool m_blReady = false;
-};
-
 // A local port that counts who connects.
 class Listener
 {
 public:
-    Listener() : m_nSocket(socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0))
-    {
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        socklen_t nLength = sizeof(address);
-        auto *pAddress = reinterpret_cast<sockaddr *>(&address);
-        m_blReady = bind(m_nSocket, pAddress, nLength) == 0 && listen(m_nSocket, 8) == 0 &&
-                    getsockname(m_nSocket, pAddress, &nLength) == 0;
-        m_nPort = ntohs(address.sin_port);
-    }
-    ~Listener() { close(m_nSocket); }
-    Listener(const Listener &) = delete;
-    Listener &operator=(const Listener &) = delete;
+    Listener() { m_blReady = m_server.listen(QHostAddress::LocalHost); }
 
     bool isReady() const { return m_blReady; }
-    int port() const { return m_nPort; }
-    int connections() const
+    quint16 port() const { return m_server.serverPort(); }
+    int connections()
     {
+        constexpr int k_nWaitMs = 100;
         int nCount = 0;
-        for (int nPeer = accept(m_nSocket, nullptr, nullptr); nPeer >= 0;
-             nPeer = accept(m_nSocket, nullptr, nullptr)) {
-            close(nPeer);
+        while (m_server.hasPendingConnections() || m_server.waitForNewConnection(k_nWaitMs)) {
+            delete m_server.nextPendingConnection();
             ++nCount;
         }
         return nCount;
     }
 
 private:
-    int m_nSocket;
-    int m_nPort = 0;
+    QTcpServer m_server;
     bool m_blReady = false;
 };
 
@@ -93,7 +50,8 @@ protected:
         ASSERT_LT(m_strImage.size(), 80);
     }
 
-    QByteArray imageTag() const { return "<img src=\"file://" + m_strImage.toUtf8() + "\">"; }
+    QByteArray imageUrl() const { return QUrl::fromLocalFile(m_strImage).toEncoded(); }
+    QByteArray imageTag() const { return "<img src=\"" + imageUrl() + "\">"; }
 
     // Shows the text, paints the whole window, and answers with the label's text.
     QString shown(const QByteArray &abText, int nEncoding = DRAWINFO_ENCODING_UTF8)
@@ -132,7 +90,7 @@ TEST_P(HostileText, MarkupIsShownAsItIsAndOpensNoFile)
              {imageTag(), "<img src=\"" + abPath + "\"/>", "<b>x</b><img src=" + abPath + ">",
               "<p style=\"background-image:url(" + abPath + ")\">x</p>",
               "<link rel=stylesheet href=\"" + abPath + "\">",
-              "<html><body background=\"file://" + abPath + "\">x"}) {
+              "<html><body background=\"" + imageUrl() + "\">x"}) {
             ASSERT_LE(abText.size(), XELT_DRAWINFO_TEXT_SIZE);
             EXPECT_EQ(shown(abText, nEncoding), QString::fromUtf8(abText));
         }
@@ -157,7 +115,7 @@ TEST_P(HostileText, MarkupThatPlainTextReplacesOpensNoFile)
 
 TEST_P(HostileText, MarkupReachesNoNetwork)
 {
-    const Listener listener;
+    Listener listener;
     ASSERT_TRUE(listener.isReady());
     const QByteArray abAddress = "http://127.0.0.1:" + QByteArray::number(listener.port());
     const QByteArray abText = "<img src=\"" + abAddress + "/a.png\"><a href=\"" + abAddress + "\">x</a>";
@@ -166,14 +124,10 @@ TEST_P(HostileText, MarkupReachesNoNetwork)
     drainEvents();
     EXPECT_EQ(listener.connections(), 0);
     // And the count is not blind:
-    const int nSocket = socket(AF_INET, SOCK_STREAM, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(static_cast<uint16_t>(listener.port()));
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    EXPECT_EQ(connect(nSocket, reinterpret_cast<sockaddr *>(&address), sizeof(address)), 0);
+    QTcpSocket socket;
+    socket.connectToHost(QHostAddress::LocalHost, listener.port());
+    EXPECT_TRUE(socket.waitForConnected());
     EXPECT_EQ(listener.connections(), 1);
-    close(nSocket);
 }
 
 TEST_P(HostileText, MarkupLooksLikePlainText)

@@ -1,10 +1,8 @@
 #include "MissingCodec.h"
 
-#include <QTextCodec>
+#include "CodecLookup.h"
 
-#include <dlfcn.h>
-
-#include <cstdlib>
+namespace xelttest {
 
 namespace {
 
@@ -18,26 +16,17 @@ int g_nLookups = 0;
 
 } // namespace
 
-// The executable's definition comes before the one in Qt's library, for the library under test too.
-QTextCodec *QTextCodec::codecForName(const QByteArray &name)
+bool hidesCodec(const QByteArray &abName)
 {
-    using Lookup = QTextCodec *(*)(const QByteArray &);
-    static const auto pfnLookup =
-        reinterpret_cast<Lookup>(dlsym(RTLD_NEXT, "_ZN10QTextCodec12codecForNameERK10QByteArray"));
-    if (pfnLookup == nullptr) {
-        std::abort();
-    }
-    if (!hiddenName().isEmpty() && qstricmp(name.constData(), hiddenName().constData()) == 0) {
-        ++g_nLookups;
-        return nullptr;
-    }
-    return pfnLookup(name);
+    const bool blHidden =
+        !hiddenName().isEmpty() && qstricmp(abName.constData(), hiddenName().constData()) == 0;
+    g_nLookups += blHidden ? 1 : 0;
+    return blHidden;
 }
-
-namespace xelttest {
 
 MissingCodec::MissingCodec(const QByteArray &abName)
 {
+    interposeCodecLookup();
     hiddenName() = abName;
     g_nLookups = 0;
 }

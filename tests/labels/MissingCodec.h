@@ -1,4 +1,4 @@
-// Hides one text codec from everything in this process, as a Qt built or shipped without it would.
+// Hides one text codec from the library under test, as a Qt built or shipped without it would.
 #pragma once
 
 #include <QByteArray>
