@@ -70,10 +70,15 @@ TEST_F(InsideGlTest, AnotherSizeReplacesTheTextures)
 {
     const GlNames first = painted(VIDEO_DISPLAY_YV12);
     const int nTextures = textures();
+    GlNames before{first.vecTextures, 0};
     for (int i = 0; i < 20; ++i) {
+        mark(before);
+        pane().picture();
+        ASSERT_EQ(marked(before), 3) << "the marks do not outlive a paint, and say nothing";
         const GlNames next = painted(VIDEO_DISPLAY_YV12, QSize(32 + i, 90 - i));
         EXPECT_EQ(next.nProgram, first.nProgram);
-        EXPECT_NE(next.vecTextures, first.vecTextures);
+        EXPECT_EQ(marked(before), 0);
+        before.vecTextures = next.vecTextures;
         EXPECT_EQ(existing(next), 4);
         EXPECT_EQ(pane().m_pTexY->width(), 32 + i);
     }
@@ -95,12 +100,14 @@ TEST_F(InsideGlTest, AClearOnAHostThreadLeavesGlToTheNextPaint)
 TEST_F(InsideGlTest, ATypeChangeOnAHostThreadLeavesGlToTheNextPaint)
 {
     const GlNames names = painted(VIDEO_DISPLAY_YV12);
+    mark(names);
     onHostThread([&] { EXPECT_EQ(pane().submit(frame(VIDEO_DISPLAY_NV12)), 0); });
     EXPECT_EQ(pane().m_pProgram, nullptr);
     EXPECT_EQ(existing(names), 4);
+    EXPECT_EQ(marked(names), 4);
     onHostThread([&] { EXPECT_EQ(pane().submit(frame(VIDEO_DISPLAY_DXGL)), 0); });
     pane().picture();
-    EXPECT_EQ(existing(names), 0);
+    EXPECT_EQ(marked(names), 0);
     EXPECT_EQ(pane().m_pProgram, nullptr) << "the hardware path has one of its own";
 }
 

@@ -81,6 +81,10 @@ struct GlNames
 };
 // How many of them exist, asked in the context of a pane that shares GL objects with theirs.
 int existing(QOpenGLWidget &witness, const GlNames &names);
+// Drivers may give a name again at once. Marked objects are told apart from later ones of the same name. A texture's
+// mark outlives a paint, a program's does not.
+void mark(QOpenGLWidget &witness, const GlNames &names);
+int marked(QOpenGLWidget &witness, const GlNames &names);
 // Textures with small names that exist, Qt's own among them.
 int textures(QOpenGLWidget &witness);
 
@@ -156,6 +160,8 @@ protected:
         return names;
     }
     int existing(const GlNames &names) { return xelttest::existing(*m_pWitness, names); }
+    void mark(const GlNames &names) { xelttest::mark(*m_pWitness, names); }
+    int marked(const GlNames &names) { return xelttest::marked(*m_pWitness, names); }
     int textures() { return xelttest::textures(*m_pWitness); }
 
     std::unique_ptr<QWidget> m_pWindow;
