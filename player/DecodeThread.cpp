@@ -1,9 +1,11 @@
 #include "DecodeThread.h"
 
 #include <exception>
+#include <utility>
 
-DecodeThread::DecodeThread(const DecodeSettings &settings, const xelt::Renderer &renderer)
-    : m_settings(settings), m_renderer(renderer), m_packer(settings.layout)
+DecodeThread::DecodeThread(const DecodeSettings &settings, std::unique_ptr<VideoSource> pSource,
+                           const xelt::Renderer &renderer)
+    : m_settings(settings), m_pSource(std::move(pSource)), m_renderer(renderer)
 {
     if (settings.layout == FrameLayout::Texture) {
         m_textures.emplace();
@@ -58,28 +60,27 @@ void DecodeThread::run()
 
 void DecodeThread::playAll()
 {
-    VideoDecoder decoder;
     do {
-        if (!decoder.open(m_settings.strFile, m_settings.nCodecThreads)) {
-            m_strProblem = decoder.problem();
+        if (!m_pSource->open()) {
+            m_strProblem = m_pSource->problem();
             return;
         }
-    } while (playOnce(decoder) && m_settings.blLoop);
+    } while (playOnce() && m_settings.blLoop);
 }
 
-// True when the file came to its end and there is more to do.
-bool DecodeThread::playOnce(VideoDecoder &decoder)
+// True when the source came to its end and there is more to do.
+bool DecodeThread::playOnce()
 {
     for (;;) {
-        switch (decoder.next()) {
-        case VideoDecoder::Step::End:
-            m_loopStart += decoder.frameSeconds() + decoder.frameDuration();
+        switch (m_pSource->next()) {
+        case VideoSource::Step::End:
+            m_loopStart += m_pSource->frameSeconds() + m_pSource->frameDuration();
             return true;
-        case VideoDecoder::Step::Broken:
-            m_strProblem = decoder.problem();
+        case VideoSource::Step::Broken:
+            m_strProblem = m_pSource->problem();
             return false;
-        case VideoDecoder::Step::Frame:
-            if (!playFrame(decoder)) {
+        case VideoSource::Step::Frame:
+            if (!playFrame()) {
                 return false;
             }
             break;
@@ -88,10 +89,10 @@ bool DecodeThread::playOnce(VideoDecoder &decoder)
 }
 
 // False when there is nothing more to do.
-bool DecodeThread::playFrame(const VideoDecoder &decoder)
+bool DecodeThread::playFrame()
 {
     ++m_counts.nDecoded;
-    const VideoFrameDesc *pFrame = m_packer.pack(decoder.frame());
+    const VideoFrameDesc *pFrame = m_pSource->frame();
     if (pFrame == nullptr) {
         m_strProblem = QStringLiteral("holds a picture that cannot be converted");
         return false;
@@ -103,7 +104,7 @@ bool DecodeThread::playFrame(const VideoDecoder &decoder)
             return false;
         }
     }
-    return show(*pFrame, m_loopStart + decoder.frameSeconds()) && !reachedLast();
+    return show(*pFrame, m_loopStart + m_pSource->frameSeconds()) && !reachedLast();
 }
 
 bool DecodeThread::reachedLast() const

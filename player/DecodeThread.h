@@ -1,9 +1,9 @@
 #pragma once
 
-#include "FramePacker.h"
+#include "FrameLayout.h"
 #include "Pacer.h"
 #include "TextureFrames.h"
-#include "VideoDecoder.h"
+#include "VideoSource.h"
 
 #include <XeltRender.hpp>
 
@@ -12,18 +12,17 @@
 
 #include <atomic>
 #include <condition_variable>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <thread>
 
 struct DecodeSettings
 {
-    QString strFile;
     FrameLayout layout = FrameLayout::Yv12;
     bool blLoop = false;
     bool blFast = false;
     std::optional<qint64> frames;
-    int nCodecThreads = 0; // 0: as many as the codec likes
 };
 
 struct FrameCounts
@@ -34,14 +33,16 @@ struct FrameCounts
     double perSecond = 0.0; // pushed, while not paused
 };
 
-// Decodes one file on a thread of its own and pushes its pictures into one renderer, in time. The renderer
+// Takes pictures from one source on a thread of its own and pushes them into one renderer, in time. The renderer
 // must outlive the thread. Functions that name no thread belong to the thread that made the object.
 class DecodeThread : public QObject
 {
     Q_OBJECT
 
 public:
-    DecodeThread(const DecodeSettings &settings, const xelt::Renderer &renderer);
+    // The source, which must not be null, makes frames of the layout in the settings.
+    DecodeThread(const DecodeSettings &settings, std::unique_ptr<VideoSource> pSource,
+                 const xelt::Renderer &renderer);
 
     // As stop() and wait().
     ~DecodeThread() override;
@@ -58,7 +59,7 @@ public:
     // Time in the stream of the last frame. Any thread.
     double position() const { return m_position; }
 
-    // These two only after wait(). The problem goes behind the name of the file; empty: none.
+    // These two only after wait(). The problem goes behind the name of the source; empty: none.
     const FrameCounts &counts() const { return m_counts; }
     const QString &problem() const { return m_strProblem; }
 
@@ -71,21 +72,21 @@ Q_SIGNALS:
 private:
     void run();
     void playAll();
-    bool playOnce(VideoDecoder &decoder);
-    bool playFrame(const VideoDecoder &decoder);
+    bool playOnce();
+    bool playFrame();
     bool show(const VideoFrameDesc &frame, double seconds);
     bool waitUntilDue(std::unique_lock<std::mutex> &guard, double seconds);
     void noteShown(const VideoFrameDesc &frame);
     bool reachedLast() const;
 
     const DecodeSettings m_settings;
+    const std::unique_ptr<VideoSource> m_pSource;
     const xelt::Renderer &m_renderer;
-    FramePacker m_packer;
     std::optional<TextureFrames> m_textures; // where the frames go that way
     Pacer m_pacer;
     FrameCounts m_counts;
     QString m_strProblem;
-    double m_loopStart = 0.0; // time of the current pass through the file
+    double m_loopStart = 0.0; // time of the current pass through the stream
     double m_activeSeconds = 0.0;
     std::optional<Pacer::Clock::time_point> m_lastPush;
     int m_nWidth = 0;

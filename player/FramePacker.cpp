@@ -6,37 +6,15 @@ extern "C" {
 }
 
 #include <algorithm>
-#include <cstddef>
 #include <new>
 #include <utility>
 
 namespace {
 
-int evenSize(int nSize)
-{
-    return std::max(2, nSize & ~1);
-}
-
-// The renderers read rows of NV12 frames in steps of four bytes.
-int packedWidth(int nWidth, FrameLayout layout)
-{
-    return layout == FrameLayout::Yv12 ? evenSize(nWidth) : std::max(4, nWidth & ~3);
-}
-
-int roundedUp(int nValue, int nMultiple)
-{
-    return (nValue + nMultiple - 1) / nMultiple * nMultiple;
-}
-
 bool isFullRange(const AVFrame &picture)
 {
     return picture.color_range == AVCOL_RANGE_JPEG || picture.format == AV_PIX_FMT_YUVJ420P ||
            picture.format == AV_PIX_FMT_YUVJ422P || picture.format == AV_PIX_FMT_YUVJ444P;
-}
-
-std::size_t bytes(int nPitch, int nRows)
-{
-    return static_cast<std::size_t>(nPitch) * static_cast<std::size_t>(nRows);
 }
 
 } // namespace
@@ -47,35 +25,27 @@ const VideoFrameDesc *FramePacker::pack(const AVFrame &picture)
     if (pPlanes == nullptr) {
         return nullptr;
     }
-    m_desc = VideoFrameDesc{};
-    m_desc.iWidth = packedWidth(picture.width, m_layout);
-    m_desc.iHeight = evenSize(picture.height);
-    switch (m_layout) {
-    case FrameLayout::Yv12:
-        packYv12(*pPlanes);
-        break;
-    case FrameLayout::Nv12:
-    case FrameLayout::Texture:
-        packNv12(*pPlanes);
-        break;
-    case FrameLayout::Nv12Padded:
-        packNv12Padded(*pPlanes);
-        break;
+    m_frame.fit(picture.width, picture.height);
+    const int nPlanes = m_frame.isInterleaved() ? 2 : 3;
+    for (int i = 0; i < nPlanes; ++i) {
+        const FrameBuffer::Component to = m_frame.component(i);
+        av_image_copy_plane(to.pData, to.nPitch, pPlanes->data[i], pPlanes->linesize[i], to.nWidth * to.nStep,
+                            to.nHeight);
     }
-    return &m_desc;
+    return &m_frame.desc();
 }
 
 AVPixelFormat FramePacker::wantedFormat() const
 {
-    return m_layout == FrameLayout::Yv12 ? AV_PIX_FMT_YUV420P : AV_PIX_FMT_NV12;
+    return m_frame.isInterleaved() ? AV_PIX_FMT_NV12 : AV_PIX_FMT_YUV420P;
 }
 
 // The picture itself when its planes fit as they are. Both picture programs take the limited range.
 const AVFrame *FramePacker::convert(const AVFrame &picture)
 {
     const bool blFullRange = isFullRange(picture);
-    const int nWidth = packedWidth(picture.width, m_layout);
-    const int nHeight = evenSize(picture.height);
+    const int nWidth = FrameBuffer::fittingWidth(picture.width, m_layout);
+    const int nHeight = FrameBuffer::fittingHeight(picture.height);
     const bool blBigEnough = picture.width >= nWidth && picture.height >= nHeight;
     if (picture.format == wantedFormat() && !blFullRange && blBigEnough) {
         return &picture;
@@ -142,51 +112,4 @@ bool FramePacker::prepareScaler(const AVFrame &picture, bool blFullRange)
     }
     m_scalerSource = source;
     return true;
-}
-
-void FramePacker::packYv12(const AVFrame &picture)
-{
-    const int nWidth = m_desc.iWidth;
-    const int nHeight = m_desc.iHeight;
-    const std::size_t nLuma = bytes(nWidth, nHeight);
-    m_buffer.resize(nLuma * 3 / 2);
-    uint8_t *pLuma = m_buffer.data();
-    av_image_copy_plane(pLuma, nWidth, picture.data[0], picture.linesize[0], nWidth, nHeight);
-    for (int i = 1; i <= 2; ++i) {
-        uint8_t *pChroma = pLuma + nLuma + (i == 2 ? nLuma / 4 : 0);
-        av_image_copy_plane(pChroma, nWidth / 2, picture.data[i], picture.linesize[i], nWidth / 2,
-                            nHeight / 2);
-    }
-    m_desc.nDisplayType = VIDEO_DISPLAY_YV12;
-    m_desc.pFrameData = pLuma;
-}
-
-void FramePacker::packNv12(const AVFrame &picture)
-{
-    const int nWidth = m_desc.iWidth;
-    const int nHeight = m_desc.iHeight;
-    const std::size_t nLuma = bytes(nWidth, nHeight);
-    m_buffer.resize(nLuma * 3 / 2);
-    uint8_t *pLuma = m_buffer.data();
-    av_image_copy_plane(pLuma, nWidth, picture.data[0], picture.linesize[0], nWidth, nHeight);
-    av_image_copy_plane(pLuma + nLuma, nWidth, picture.data[1], picture.linesize[1], nWidth, nHeight / 2);
-    m_desc.nDisplayType = VIDEO_DISPLAY_NV12;
-    m_desc.pPlaneY = pLuma;
-    m_desc.pPlaneUV = pLuma + nLuma;
-}
-
-void FramePacker::packNv12Padded(const AVFrame &picture)
-{
-    const int nWidth = m_desc.iWidth;
-    const int nHeight = m_desc.iHeight;
-    const int nPitch = roundedUp(nWidth, 64) + 64;
-    const int nRows = roundedUp(nHeight, 16);
-    const std::size_t nLuma = bytes(nPitch, nRows);
-    m_buffer.resize(nLuma * 3 / 2);
-    uint8_t *pLuma = m_buffer.data();
-    av_image_copy_plane(pLuma, nPitch, picture.data[0], picture.linesize[0], nWidth, nHeight);
-    av_image_copy_plane(pLuma + nLuma, nPitch, picture.data[1], picture.linesize[1], nWidth, nHeight / 2);
-    m_desc.nDisplayType = VIDEO_DISPLAY_NV12;
-    m_desc.pFrameData = pLuma;
-    m_desc.nPitch = nPitch;
 }

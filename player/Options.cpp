@@ -1,5 +1,6 @@
 #include "Options.h"
 
+#include "FileSource.h"
 #include "TextureFrames.h"
 
 #include <QCommandLineParser>
@@ -18,15 +19,21 @@ public:
 
 void addOptions(QCommandLineParser &parser)
 {
-    parser.setApplicationDescription(QStringLiteral(
-        "Plays video files through XeltRender. With no file, plays a test clip that it makes.\n"
-        "In the window, H lists the keys."));
+    parser.setApplicationDescription(QStringLiteral("Plays video files through XeltRender. With no file, "
+                                                    "plays a test clip that it makes, or, in a build\n"
+                                                    "without FFmpeg's libraries, a moving test pattern.\n"
+                                                    "In the window, H lists the keys."));
     parser.addPositionalArgument(QStringLiteral("files"), QStringLiteral("Video files; panes take turns."),
                                  QStringLiteral("[files...]"));
     parser.addOptions({
         {{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Shows this text.")},
         {QStringLiteral("panes"), QStringLiteral("Number of panes; one for each file by itself."),
          QStringLiteral("N")},
+        {QStringLiteral("pattern"), QStringLiteral("Plays a moving test pattern instead of files.")},
+        {QStringLiteral("pattern-size"), QStringLiteral("Size of its pictures."), QStringLiteral("WxH"),
+         QStringLiteral("1280x720")},
+        {QStringLiteral("pattern-rate"), QStringLiteral("Its pictures a second."), QStringLiteral("N"),
+         QStringLiteral("25")},
         {QStringLiteral("format"), QStringLiteral("yv12, nv12, nv12-padded or d3d11."),
          QStringLiteral("NAME"), QStringLiteral("yv12")},
         {QStringLiteral("renderer"), QStringLiteral("yuv or subimage; the latter neither turns nor places."),
@@ -74,15 +81,16 @@ qint64 wholeNumber(const QCommandLineParser &parser, const QString &strOption, q
     return nValue;
 }
 
-double positiveSeconds(const QCommandLineParser &parser)
+double positiveNumber(const QCommandLineParser &parser, const QString &strOption, double most,
+                      const QString &strWanted)
 {
     bool blOk = false;
-    const QString strValue = parser.value(QStringLiteral("seconds"));
-    const double seconds = strValue.toDouble(&blOk);
-    if (!blOk || !(seconds > 0.0) || seconds > 1e6) {
-        refuse(QStringLiteral("seconds"), QStringLiteral("a number of seconds above 0"), strValue);
+    const QString strValue = parser.value(strOption);
+    const double number = strValue.toDouble(&blOk);
+    if (!blOk || !(number > 0.0) || number > most) {
+        refuse(strOption, strWanted, strValue);
     }
-    return seconds;
+    return number;
 }
 
 // Position in the list of what the option takes.
@@ -137,17 +145,18 @@ XeltDrawDstRect destination(const QCommandLineParser &parser)
     return {edges[0], edges[1], edges[2], edges[3]};
 }
 
-QSize windowSize(const QCommandLineParser &parser)
+QSize sizeInPixels(const QCommandLineParser &parser, const QString &strOption, int nLeast)
 {
-    const QString strValue = parser.value(QStringLiteral("size"));
+    const QString strValue = parser.value(strOption);
     const QStringList astrParts = strValue.split(QLatin1Char('x'));
     bool blWidth = false;
     bool blHeight = false;
     const QSize size(astrParts.value(0).toInt(&blWidth), astrParts.value(1).toInt(&blHeight));
+    constexpr int kMost = 16384;
     const bool blInRange =
-        size.width() >= 64 && size.height() >= 64 && size.width() <= 16384 && size.height() <= 16384;
+        size.width() >= nLeast && size.height() >= nLeast && size.width() <= kMost && size.height() <= kMost;
     if (astrParts.size() != 2 || !blWidth || !blHeight || !blInRange) {
-        refuse(QStringLiteral("size"), QStringLiteral("WxH, each from 64 to 16384"), strValue);
+        refuse(strOption, QStringLiteral("WxH, each from %1 to %2").arg(nLeast).arg(kMost), strValue);
     }
     return size;
 }
@@ -197,6 +206,30 @@ void readView(const QCommandLineParser &parser, ViewSettings &view)
     }
 }
 
+// The pattern is played when it is asked for, and where there is nothing else to play.
+void readPattern(const QCommandLineParser &parser, Options &options)
+{
+    if (!options.astrFiles.isEmpty()) {
+        if (!FileSource::isAvailable()) {
+            throw UsageError(QStringLiteral(
+                "this build is without FFmpeg's libraries: it plays no files, only its test pattern"));
+        }
+        if (parser.isSet(QStringLiteral("pattern"))) {
+            throw UsageError(QStringLiteral("--pattern plays no files"));
+        }
+    } else if (parser.isSet(QStringLiteral("pattern")) || !FileSource::isAvailable()) {
+        options.pattern = PatternSettings{
+            sizeInPixels(parser, QStringLiteral("pattern-size"), 2),
+            positiveNumber(parser, QStringLiteral("pattern-rate"), 1000.0,
+                           QStringLiteral("a number of pictures a second above 0, at most 1000"))};
+    }
+    for (const auto &strOption : {QStringLiteral("pattern-size"), QStringLiteral("pattern-rate")}) {
+        if (parser.isSet(strOption) && !options.pattern) {
+            throw UsageError(QStringLiteral("--%1 needs --pattern").arg(strOption));
+        }
+    }
+}
+
 void readPanes(const QCommandLineParser &parser, Options &options)
 {
     options.astrFiles = parser.positionalArguments();
@@ -213,6 +246,7 @@ void readPanes(const QCommandLineParser &parser, Options &options)
 void readOptions(const QCommandLineParser &parser, Options &options)
 {
     readPanes(parser, options);
+    readPattern(parser, options);
     options.layout = frameLayout(parser);
     options.blSubImage =
         choice(parser, QStringLiteral("renderer"), {QStringLiteral("yuv"), QStringLiteral("subimage")}) == 1;
@@ -222,7 +256,8 @@ void readOptions(const QCommandLineParser &parser, Options &options)
     options.blOverlay = parser.isSet(QStringLiteral("overlay"));
     options.blDesktopGl = parser.isSet(QStringLiteral("desktop-gl"));
     if (parser.isSet(QStringLiteral("seconds"))) {
-        options.seconds = positiveSeconds(parser);
+        options.seconds = positiveNumber(parser, QStringLiteral("seconds"), 1e6,
+                                         QStringLiteral("a number of seconds above 0"));
     }
     if (parser.isSet(QStringLiteral("frames"))) {
         options.frames = wholeNumber(parser, QStringLiteral("frames"), 1, 1000000000);
@@ -232,7 +267,7 @@ void readOptions(const QCommandLineParser &parser, Options &options)
     }
     readView(parser, options.view);
     options.strScreenshot = parser.value(QStringLiteral("screenshot"));
-    options.size = windowSize(parser);
+    options.size = sizeInPixels(parser, QStringLiteral("size"), 64);
 }
 
 } // namespace

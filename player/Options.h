@@ -1,6 +1,7 @@
 #pragma once
 
-#include "FramePacker.h"
+#include "FrameLayout.h"
+#include "PatternSource.h"
 
 #include <XeltRender.h>
 
@@ -23,7 +24,8 @@ struct ViewSettings
 
 struct Options
 {
-    QStringList astrFiles; // empty: a test clip is made
+    QStringList astrFiles;                  // empty without a pattern: a test clip is made
+    std::optional<PatternSettings> pattern; // instead of files
     int nPanes = 1;
     FrameLayout layout = FrameLayout::Yv12;
     bool blLoop = false;

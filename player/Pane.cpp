@@ -1,6 +1,8 @@
 #include "Pane.h"
 
+#include "FileSource.h"
 #include "PaneView.h"
+#include "PatternSource.h"
 
 #include <QEvent>
 #include <QFileInfo>
@@ -9,21 +11,28 @@
 
 namespace {
 
-DecodeSettings decodeSettings(const QString &strFile, const Options &options)
+DecodeSettings decodeSettings(const Options &options)
 {
     DecodeSettings settings;
-    settings.strFile = strFile;
     settings.layout = options.layout;
     settings.blLoop = options.blLoop;
     settings.blFast = options.blFast;
     settings.frames = options.frames;
-    settings.nCodecThreads = options.nPanes > 1 ? 1 : 0; // many panes keep the processors busy by themselves
     return settings;
 }
 
-QString paneName(int nNumber, const QString &strFile)
+std::unique_ptr<VideoSource> makeSource(const QString &strSource, const Options &options)
 {
-    return QStringLiteral("%1 \u00b7 %2").arg(nNumber).arg(QFileInfo(strFile).fileName());
+    if (options.pattern) {
+        return std::make_unique<PatternSource>(*options.pattern, options.layout);
+    }
+    const int nCodecThreads = options.nPanes > 1 ? 1 : 0; // many panes keep the processors busy by themselves
+    return FileSource::make(strSource, options.layout, nCodecThreads);
+}
+
+QString paneName(int nNumber, const QString &strSource)
+{
+    return QStringLiteral("%1 \u00b7 %2").arg(nNumber).arg(QFileInfo(strSource).fileName());
 }
 
 xelt::Renderer createRenderer(const Options &options, QLayout *pLayout)
@@ -40,13 +49,14 @@ xelt::Renderer createRenderer(const Options &options, QLayout *pLayout)
 
 } // namespace
 
-Pane::Pane(int nNumber, const QString &strFile, const Options &options, QLayout *pLayout, QWidget *pTextLayer)
+Pane::Pane(int nNumber, const QString &strSource, const Options &options, QLayout *pLayout,
+           QWidget *pTextLayer)
     : m_nNumber(nNumber),
-      m_strFile(strFile),
+      m_strSource(strSource),
       m_view(options.view),
       m_renderer(createRenderer(options, pLayout)),
-      m_feeder(paneName(nNumber, strFile), [this] { return m_thread.position(); }),
-      m_thread(decodeSettings(strFile, options), m_renderer),
+      m_feeder(paneName(nNumber, strSource), [this] { return m_thread.position(); }),
+      m_thread(decodeSettings(options), makeSource(strSource, options), m_renderer),
       m_pTextLayer(pTextLayer),
       m_blOverlay(options.blOverlay)
 {

@@ -18,9 +18,10 @@ class Pane : public QObject
     Q_OBJECT
 
 public:
-    // nNumber counts from 1. Texts go onto pTextLayer, a widget over the whole window that outlives the pane,
+    // nNumber counts from 1. strSource names a file, unless the options say to play the pattern. Texts go onto pTextLayer, a widget over the whole window that outlives the pane,
     // or onto the pane itself when that is null. Check isValid() afterwards.
-    Pane(int nNumber, const QString &strFile, const Options &options, QLayout *pLayout, QWidget *pTextLayer);
+    Pane(int nNumber, const QString &strSource, const Options &options, QLayout *pLayout,
+         QWidget *pTextLayer);
 
     // Ends decoding first, then the renderer.
     ~Pane() override;
@@ -40,12 +41,12 @@ public:
     // Stops drawing and keeps the last picture or not; when stopped already, goes on.
     void toggleStopped(bool blKeepPicture);
 
-    // Only after waitForDecoding(). A problem goes behind the name of the file; empty: none.
+    // Only after waitForDecoding(). A problem goes behind the name of the source; empty: none.
     QString report() const;
     const QString &problem() const { return m_thread.problem(); }
 
     int number() const { return m_nNumber; }
-    const QString &file() const { return m_strFile; }
+    const QString &source() const { return m_strSource; }
 
 Q_SIGNALS:
     void ended(); // there is nothing more to decode
@@ -64,7 +65,7 @@ private:
     void endDrag(const QPoint &position);
 
     const int m_nNumber;
-    const QString m_strFile;
+    const QString m_strSource;
     ViewSettings m_view;
     xelt::Renderer m_renderer;
     OverlayFeeder m_feeder;

@@ -66,8 +66,9 @@ void PlayerWindow::addPane(int nIndex, QGridLayout *pGrid)
     pGrid->addLayout(pCell, nIndex / nColumns, nIndex % nColumns);
     pGrid->setRowStretch(nIndex / nColumns, 1);
     pGrid->setColumnStretch(nIndex % nColumns, 1);
-    const QString &strFile = m_options.astrFiles[nIndex % m_options.astrFiles.size()];
-    auto pPane = std::make_unique<Pane>(nIndex + 1, strFile, m_options, pCell, m_pTextLayer);
+    const QString strSource = m_options.pattern ? QStringLiteral("test pattern")
+                                                : m_options.astrFiles[nIndex % m_options.astrFiles.size()];
+    auto pPane = std::make_unique<Pane>(nIndex + 1, strSource, m_options, pCell, m_pTextLayer);
     connect(pPane.get(), &Pane::ended, this, [this, p = pPane.get()] { onPaneEnded(*p); });
     m_apPanes.push_back(std::move(pPane));
 }
@@ -107,8 +108,8 @@ void PlayerWindow::waitFor(Pane &pane)
         return;
     }
     m_blFailed = true;
-    printError(
-        QStringLiteral("pane %1: '%2' %3").arg(QString::number(pane.number()), pane.file(), pane.problem()));
+    printError(QStringLiteral("pane %1: '%2' %3")
+                   .arg(QString::number(pane.number()), pane.source(), pane.problem()));
 }
 
 void PlayerWindow::finish()

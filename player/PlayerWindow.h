@@ -19,7 +19,7 @@ class PlayerWindow : public QWidget
     Q_OBJECT
 
 public:
-    // options.astrFiles must not be empty; panes take turns at them.
+    // There must be a pattern or files in the options; panes take turns at the files.
     explicit PlayerWindow(const Options &options);
     ~PlayerWindow() override;
 

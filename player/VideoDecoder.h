@@ -1,6 +1,7 @@
 #pragma once
 
 #include "FfmpegPtr.h"
+#include "VideoSource.h"
 
 #include <QString>
 
@@ -8,7 +9,7 @@
 class VideoDecoder
 {
 public:
-    enum class Step { Frame, End, Broken };
+    using Step = VideoSource::Step;
 
     // nThreads: for the codec; 0 lets it choose. On failure problem() says why. May be called again, which
     // starts at the beginning.

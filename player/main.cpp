@@ -1,7 +1,9 @@
-// xeltplay: a host of XeltRender that plays video files.
+// xeltplay: a host of XeltRender that plays video files or a test pattern.
 #include "ClipMaker.h"
+#include "Display.h"
 #include "Options.h"
 #include "PlayerWindow.h"
+#include "TextureFrames.h"
 
 #include <QApplication>
 #include <QLoggingCategory>
@@ -36,9 +38,10 @@ std::optional<EarlyExit> readCommandLine(int argc, char *argv[], Options &option
 }
 
 // The renderers take the kind of context that the default format asks for. All of this has to be settled
-// before the QApplication exists.
+// before the QApplication exists. The attribute is for Windows, the variable for X11.
 void chooseGl(bool blDesktop)
 {
+    QCoreApplication::setAttribute(blDesktop ? Qt::AA_UseDesktopOpenGL : Qt::AA_UseOpenGLES);
     if (!qEnvironmentVariableIsSet("QT_XCB_GL_INTEGRATION")) {
         qputenv("QT_XCB_GL_INTEGRATION", blDesktop ? "xcb_glx" : "xcb_egl");
     }
@@ -46,16 +49,6 @@ void chooseGl(bool blDesktop)
     format.setRenderableType(blDesktop ? QSurfaceFormat::OpenGL : QSurfaceFormat::OpenGLES);
     format.setVersion(2, 0);
     QSurfaceFormat::setDefaultFormat(format);
-}
-
-bool isDisplayMissing()
-{
-#ifdef Q_OS_LINUX
-    return qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") &&
-           qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
-#else
-    return false;
-#endif
 }
 
 bool isGlThere(bool blDesktop)
@@ -91,14 +84,16 @@ int main(int argc, char *argv[])
     if (options.logLevel.value_or(0) < 200) {
         QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false")); // the library's own steps
     }
-    av_log_set_level(AV_LOG_QUIET); // what goes wrong is told in one line of our own
     chooseGl(options.blDesktopGl);
     QApplication app(argc, argv);
     if (!isGlThere(options.blDesktopGl)) {
         return fail(options.blDesktopGl ? "no desktop OpenGL context can be created"
                                         : "no OpenGL ES context can be created");
     }
-    if (options.astrFiles.isEmpty()) {
+    if (options.layout == FrameLayout::Texture && TextureFrames::device() == nullptr) {
+        return fail("no Direct3D 11 device with video support can be created");
+    }
+    if (options.astrFiles.isEmpty() && !options.pattern) {
         const Clip clip = testClip();
         if (!clip.strProblem.isEmpty()) {
             return fail(qPrintable(clip.strProblem));

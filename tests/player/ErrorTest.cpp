@@ -48,6 +48,12 @@ TEST(Errors, commandLine)
         {"--format jpeg", "--format takes yv12, nv12, nv12-padded, d3d11, not 'jpeg'"},
         {"--renderer gl", "--renderer takes yuv, subimage, not 'gl'"},
         {"--panes 1 one.mp4 two.mp4", "2 files"},
+        {"--pattern film.mp4", "--pattern plays no files"},
+        {"--pattern-size 640x480", "--pattern-size needs --pattern"},
+        {"--pattern-rate 30 film.mp4", "--pattern-rate needs --pattern"},
+        {"--pattern --pattern-size 640x1", "--pattern-size takes WxH, each from 2 to 16384, not '640x1'"},
+        {"--pattern --pattern-rate 0", "--pattern-rate"},
+        {"--pattern --pattern-rate nan", "--pattern-rate"},
     };
     for (const auto &entry : aCases) {
         SCOPED_TRACE(entry.pArguments);
@@ -63,9 +69,10 @@ TEST(Errors, helpIsNoError)
         runPlayer({QStringLiteral("--help")}, {{QStringLiteral("DISPLAY"), QString()}});
     EXPECT_EQ(result.nStatus, 0);
     EXPECT_EQ(result.asErrors, QStringList());
-    for (const char *pOption : {"--panes", "--format", "--loop", "--fast", "--seconds", "--frames",
-                                "--overlay", "--rotate", "--ccw", "--mirror", "--zoom", "--rect", "--fill",
-                                "--desktop-gl", "--screenshot", "--size", "--log"}) {
+    for (const char *pOption :
+         {"--panes",   "--pattern", "--pattern-size", "--pattern-rate", "--format", "--loop",   "--fast",
+          "--seconds", "--frames",  "--overlay",      "--rotate",       "--ccw",    "--mirror", "--zoom",
+          "--rect",    "--fill",    "--desktop-gl",   "--screenshot",   "--size",   "--log"}) {
         EXPECT_TRUE(result.sOutput.contains(QLatin1String(pOption))) << pOption;
     }
 }
