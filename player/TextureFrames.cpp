@@ -1,8 +1,6 @@
-// Textures of the software Direct3D 11 device.
 #include "TextureFrames.h"
 
-#include "d3d11/ComPtr.h"
-#include "softd3d11/SoftD3D11.h"
+#include "TextureDevice.h"
 
 namespace {
 
@@ -10,11 +8,7 @@ constexpr UINT kSlices = 16;
 
 const ComPtr<ID3D11Device> &sharedDevice()
 {
-    static const ComPtr<ID3D11Device> device = [] {
-        ComPtr<ID3D11Device> made;
-        softd3d11::CreateDevice(made.ReleaseAndGetAddressOf());
-        return made;
-    }();
+    static const ComPtr<ID3D11Device> device = createTextureDevice();
     return device;
 }
 
@@ -52,8 +46,6 @@ bool TextureFrames::Textures::fit(int nNewWidth, int nNewHeight)
     return SUCCEEDED(sharedDevice()->CreateTexture2D(&desc, nullptr, array.ReleaseAndGetAddressOf()));
 }
 
-// All decode threads and the painting one use the device's one immediate context at once. This device takes
-// that; with one of Direct3D a host switches multithread protection on first.
 bool TextureFrames::isAvailable()
 {
     return true;
