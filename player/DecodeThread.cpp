@@ -52,6 +52,9 @@ void DecodeThread::run()
     } catch (const std::exception &error) {
         m_strProblem = QStringLiteral("cannot be played: %1").arg(QString::fromLocal8Bit(error.what()));
     }
+    if (m_strProblem.isEmpty() && m_counts.nRefused > m_counts.nPushed) {
+        m_strProblem = QStringLiteral("cannot be shown: the renderer refuses its pictures");
+    }
     if (m_counts.nPushed > 1 && m_activeSeconds > 0.0) {
         m_counts.perSecond = static_cast<double>(m_counts.nPushed - 1) / m_activeSeconds;
     }

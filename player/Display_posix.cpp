@@ -1,9 +1,15 @@
 #include "Display.h"
 
-#include <QtGlobal>
+#include <QScreen>
+#include <QWidget>
 
 bool isDisplayMissing()
 {
     return qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") &&
            qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
+}
+
+QPixmap grabFromScreen(const QWidget &window)
+{
+    return window.screen()->grabWindow(window.winId());
 }

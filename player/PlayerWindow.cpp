@@ -1,12 +1,13 @@
 #include "PlayerWindow.h"
 
+#include "Display.h"
+
 #include <QCloseEvent>
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QKeyEvent>
-#include <QScreen>
 #include <QVBoxLayout>
 #include <QWindow>
 
@@ -255,7 +256,7 @@ void PlayerWindow::showPending()
 void PlayerWindow::saveScreenshot(const QString &strFile)
 {
     showPending();
-    QPixmap picture = screen()->grabWindow(winId());
+    QPixmap picture = grabFromScreen(*this);
     if (picture.isNull()) {
         picture = grab(); // where the system lets nobody look at the screen
     }
