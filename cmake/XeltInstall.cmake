@@ -50,7 +50,11 @@ install(FILES ${PROJECT_SOURCE_DIR}/LICENSE ${PROJECT_SOURCE_DIR}/README.md ${PR
   DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT runtime)
 
 if(XELT_IS_TOP_LEVEL)
-  set(CPACK_GENERATOR TGZ)
+  if(WIN32)
+    set(CPACK_GENERATOR ZIP)
+  else()
+    set(CPACK_GENERATOR TGZ)
+  endif()
   set(CPACK_PACKAGE_NAME XeltRender)
   set(CPACK_PACKAGE_VENDOR "XeltRender authors")
   set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Draws decoded video frames in Qt widgets")
