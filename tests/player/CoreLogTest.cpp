@@ -52,7 +52,7 @@ protected:
     static QStringList lines()
     {
         QFile file(logFile());
-        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly | QIODevice::Text));
         const QString sText = QString::fromUtf8(file.readAll());
         EXPECT_TRUE(sText.isEmpty() || sText.endsWith(QLatin1Char('\n')));
         return sText.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
