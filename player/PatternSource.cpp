@@ -49,7 +49,8 @@ void fillComponent(const FrameBuffer::Component &component, const QRect &area, i
     for (int y = inside.top(); y <= inside.bottom(); ++y) {
         uint8_t *pSample = sampleAt(component, inside.left(), y);
         for (int i = 0; i < inside.width(); ++i) {
-            pSample[i * component.nStep] = static_cast<uint8_t>(nValue);
+            *pSample = static_cast<uint8_t>(nValue);
+            pSample += component.nStep;
         }
     }
 }
