@@ -155,7 +155,7 @@ std::unique_ptr<QOpenGLShaderProgram> GlBench::link(const QByteArray &abVertex, 
     EXPECT_TRUE(program->addShaderFromSourceCode(QOpenGLShader::Fragment, abFragment));
     EXPECT_EQ(program->log().toStdString(), "");
     EXPECT_TRUE(program->link());
-    EXPECT_EQ(program->log().toStdString(), "");
+    EXPECT_EQ(program->log().trimmed().toStdString(), "");
     return program;
 }
 
