@@ -21,6 +21,7 @@ struct TextureFrames::Textures
     int nWidth = 0;
     int nHeight = 0;
     UINT nNext = 0;
+    VideoFrameDesc frame{}; // handed out last
 
     bool fit(int nNewWidth, int nNewHeight);
 };
@@ -73,12 +74,12 @@ const VideoFrameDesc *TextureFrames::upload(const VideoFrameDesc &nv12)
     }
     textures.context->UpdateSubresource(textures.array.Get(), textures.nNext, nullptr, nv12.pPlaneY,
                                         static_cast<UINT>(nv12.iWidth), 0);
-    m_desc = VideoFrameDesc{};
-    m_desc.iWidth = nv12.iWidth;
-    m_desc.iHeight = nv12.iHeight;
-    m_desc.nDisplayType = VIDEO_DISPLAY_DXGL;
-    m_desc.pD3D11Texture = textures.array.Get();
-    m_desc.nTextureSlice = textures.nNext;
+    textures.frame = VideoFrameDesc{};
+    textures.frame.iWidth = nv12.iWidth;
+    textures.frame.iHeight = nv12.iHeight;
+    textures.frame.nDisplayType = VIDEO_DISPLAY_DXGL;
+    textures.frame.pD3D11Texture = textures.array.Get();
+    textures.frame.nTextureSlice = textures.nNext;
     textures.nNext = (textures.nNext + 1) % kSlices;
-    return &m_desc;
+    return &textures.frame;
 }

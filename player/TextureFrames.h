@@ -27,5 +27,4 @@ public:
 private:
     struct Textures;
     std::unique_ptr<Textures> m_pTextures;
-    VideoFrameDesc m_desc{};
 };
