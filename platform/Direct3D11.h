@@ -5,21 +5,4 @@
 
 #include <QtGlobal> // finds out the operating system, which it could not after the declarations
 
-#ifndef _WIN32
-#define WINE_NO_UNICODE_MACROS
-#endif
-
-#include <d3d11.h>
-#include <dxgi.h>
-
-// What the declarations leave behind that would change the headers after them: a false claim, and a calling
-// convention under a name that OpenGL's headers use too. Then short words that code uses as names.
-#ifndef _WIN32
-#undef _WIN64
-#undef APIENTRY
-#undef WINGDIAPI
-#endif
-#undef far
-#undef interface
-#undef near
-#undef small
+#include "platform/Direct3DDeclarations.h"

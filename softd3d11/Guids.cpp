@@ -1,3 +1,3 @@
 // The one file that defines the interface identifiers which the others refer to.
 #define INITGUID
-#include "softd3d11/Direct3D.h"
+#include "platform/Direct3DDeclarations.h"

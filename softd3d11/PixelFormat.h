@@ -1,6 +1,6 @@
 #pragma once
 
-#include "softd3d11/Direct3D.h"
+#include "platform/Direct3DDeclarations.h"
 
 #include <cstddef>
 

@@ -28,7 +28,7 @@
 // calls that fail on demand. All of that is for the whole process.
 #pragma once
 
-#include "softd3d11/Direct3D.h"
+#include "platform/Direct3DDeclarations.h"
 #include "softd3d11/Export.h"
 
 #include <cstddef>

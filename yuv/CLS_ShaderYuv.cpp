@@ -156,6 +156,7 @@ void CLS_ShaderYuv::ClearDraw()
     {
         const auto lock = LockFrame();
         if (m_pD3D11EGL != nullptr) {
+            Q_ASSERT(yuv::IsLocked(m_mutexFrame));
             m_pD3D11EGL->ClearFramePending();
         }
     }

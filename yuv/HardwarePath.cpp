@@ -21,7 +21,6 @@ void HandOverFrame(QMutex &mutexFrame, CLS_D3D11EGL *pHardware, void *pDevice, c
                    int32_t nLength)
 {
     Q_ASSERT(IsLocked(mutexFrame));
-    Q_UNUSED(mutexFrame)
     if (pHardware == nullptr) {
         return;
     }

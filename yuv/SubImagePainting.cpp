@@ -283,6 +283,7 @@ void CLS_ShaderYuvSubImage::DrawD3D11()
     if (m_pD3D11EGL == nullptr) {
         return;
     }
+    Q_ASSERT(yuv::IsLocked(m_mutexFrame)); // frames come from host threads
     m_pD3D11EGL->SetAreas(geometry::NormRect(), m_rcEZoom);
     m_pD3D11EGL->Render(yuv::DeviceRect(*this));
 }

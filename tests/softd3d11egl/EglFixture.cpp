@@ -6,7 +6,7 @@
 
 #include <dlfcn.h>
 
-#include "softd3d11/Direct3D.h"
+#include "platform/Direct3DDeclarations.h"
 #include "softd3d11/SoftD3D11.h"
 
 namespace xelttest {
