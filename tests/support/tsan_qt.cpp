@@ -214,6 +214,9 @@ bool QMetaObject::invokeMethodImpl(QObject *object, QtPrivate::QSlotObjectBase *
         original<bool(QObject *, QtPrivate::QSlotObjectBase *, Qt::ConnectionType, void *)>(
             "_ZN11QMetaObject16invokeMethodImplEP7QObjectPN9QtPrivate15QSlotObjectBaseEN2Qt14ConnectionTypeE"
             "Pv");
+    // Kept for ever: the calling and the receiving thread share the object by a count that Qt keeps, and the
+    // later one deletes it, which would look like a race with what the earlier one did.
+    slot->ref();
     __tsan_release(object);
     return pfn(object, slot, type, ret);
 }
