@@ -1,6 +1,8 @@
 #pragma once
 
-#if defined(_WIN32)
+#if defined(SOFTD3D11_STATIC)
+#define SOFTD3D11_API
+#elif defined(_WIN32)
 #if defined(SOFTD3D11_BUILDING)
 #define SOFTD3D11_API __declspec(dllexport)
 #else
