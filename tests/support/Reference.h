@@ -32,6 +32,8 @@ struct BufferModel
     bool blSlice = false;        // it is such a slice
     bool blBt601 = false;        // how the slice is converted
     bool blFullRange = false;
+    // Rows of B, G, R, A where a real video processor has converted the slice; otherwise the definition counts.
+    std::vector<uint8_t> aConverted;
 
     // Whether the planes that the type uploads lie wholly inside.
     bool holdsPicture() const;

@@ -1,0 +1,23 @@
+// Calls of a real Direct3D 11 device's methods, counted and made to fail on demand as softd3d11/SoftD3D11.h says.
+// Counted are the methods that the hardware path uses, called by the program or by the library under test; a
+// call that failed by itself counts as refused. Living are the objects that such calls have made.
+#pragma once
+
+#include "platform/Direct3D11.h"
+
+namespace xelttest {
+
+// Counts from now on. With a stand-in for shared handles, if wanted, also for callers that are not counted.
+void countCalls(ID3D11Device &device, bool blShareHandles);
+
+// While one lives, this thread's calls are neither counted nor made to fail.
+class Uncounted
+{
+public:
+    Uncounted();
+    ~Uncounted();
+    Uncounted(const Uncounted &) = delete;
+    Uncounted &operator=(const Uncounted &) = delete;
+};
+
+} // namespace xelttest
