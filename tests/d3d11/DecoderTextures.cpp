@@ -1,5 +1,10 @@
 #include "DecoderTextures.h"
 
+#ifdef _WIN32
+#include "TestEnvironment.h"
+#include "windows/AngleDevice.h"
+#endif
+
 #include <cstring>
 #include <stdexcept>
 #include <string>
@@ -35,7 +40,28 @@ ComPtr<ID3D11Texture2D> makeTexture(ID3D11Device &device, const D3D11_TEXTURE2D_
     return texture;
 }
 
+void letGoOfWhatWasDrawn()
+{
+#ifdef _WIN32
+    if (glFlavour() == GlFlavour::Es) {
+        unbindWhatWasDrawn();
+    }
+#endif
+}
+
 } // namespace
+
+size_t liveObjects(ID3D11Device *pDevice)
+{
+    letGoOfWhatWasDrawn();
+    return softd3d11::LiveObjects(pDevice);
+}
+
+size_t liveObjects()
+{
+    letGoOfWhatWasDrawn();
+    return softd3d11::LiveObjects();
+}
 
 ComPtr<ID3D11Device> makeDevice()
 {

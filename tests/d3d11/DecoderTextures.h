@@ -1,4 +1,4 @@
-// A decoder's Direct3D 11 device and texture array, on the software device.
+// A decoder's Direct3D 11 device and texture array: on the software device, on Windows on a real one.
 #pragma once
 
 #include "Frames.h"
@@ -11,6 +11,11 @@
 namespace xelttest {
 
 ComPtr<ID3D11Device> makeDevice();
+
+// What is alive of a device's objects, or of all devices' and the devices themselves, when the driver lets go of what
+// was drawn last. GUI thread.
+size_t liveObjects(ID3D11Device *pDevice);
+size_t liveObjects();
 
 // NV12 bytes, both planes packed.
 std::vector<uint8_t> packedNv12Bytes(const Planes &planes);

@@ -27,7 +27,7 @@ protected:
         PaneTest::TearDown();
         drainEvents();
         m_textures.reset();
-        EXPECT_EQ(softd3d11::LiveObjects(m_device.Get()), 0U);
+        EXPECT_EQ(liveObjects(m_device.Get()), 0U);
         EXPECT_EQ((m_device->AddRef(), m_device->Release()), 1U);
     }
     int32_t submitHardware()

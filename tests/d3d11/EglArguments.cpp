@@ -22,30 +22,13 @@ EglArguments &EglArguments::last()
     return arguments;
 }
 
-} // namespace xelttest
-
-using xelttest::EglArguments;
-
-// The linker's names.
-// NOLINTBEGIN(bugprone-reserved-identifier)
-extern "C" {
-
-EGLBoolean __real_eglChooseConfig(EGLDisplay display, const EGLint *pAttributes, EGLConfig *pConfigs,
-                                  EGLint nSize, EGLint *pCount);
-EGLSurface __real_eglCreatePbufferFromClientBuffer(EGLDisplay display, EGLenum nType, EGLClientBuffer buffer,
-                                                   EGLConfig config, const EGLint *pAttributes);
-EGLBoolean __wrap_eglChooseConfig(EGLDisplay display, const EGLint *pAttributes, EGLConfig *pConfigs,
-                                  EGLint nSize, EGLint *pCount);
-EGLSurface __wrap_eglCreatePbufferFromClientBuffer(EGLDisplay display, EGLenum nType, EGLClientBuffer buffer,
-                                                   EGLConfig config, const EGLint *pAttributes);
-
-EGLBoolean __wrap_eglChooseConfig(EGLDisplay display, const EGLint *pAttributes, EGLConfig *pConfigs,
-                                  EGLint nSize, EGLint *pCount)
+EGLBoolean noteChooseConfig(ChooseConfig pfnReal, EGLDisplay display, const EGLint *pAttributes,
+                            EGLConfig *pConfigs, EGLint nSize, EGLint *pCount)
 {
     EglArguments &arguments = EglArguments::last();
-    arguments.vecConfigAttributes = xelttest::withEnd(pAttributes);
+    arguments.vecConfigAttributes = withEnd(pAttributes);
     arguments.nConfigs = nSize;
-    const EGLBoolean blDone = __real_eglChooseConfig(display, pAttributes, pConfigs, nSize, pCount);
+    const EGLBoolean blDone = pfnReal(display, pAttributes, pConfigs, nSize, pCount);
     arguments.chosen = *pConfigs;
     if (arguments.blSayNoConfigs) {
         *pCount = 0;
@@ -53,16 +36,15 @@ EGLBoolean __wrap_eglChooseConfig(EGLDisplay display, const EGLint *pAttributes,
     return blDone;
 }
 
-EGLSurface __wrap_eglCreatePbufferFromClientBuffer(EGLDisplay display, EGLenum nType, EGLClientBuffer buffer,
-                                                   EGLConfig config, const EGLint *pAttributes)
+EGLSurface noteCreateSurface(CreateSurface pfnReal, EGLDisplay display, EGLenum nType, EGLClientBuffer buffer,
+                             EGLConfig config, const EGLint *pAttributes)
 {
     EglArguments &arguments = EglArguments::last();
     arguments.nBufferType = nType;
     arguments.buffer = buffer;
     arguments.used = config;
-    arguments.vecSurfaceAttributes = xelttest::withEnd(pAttributes);
-    return __real_eglCreatePbufferFromClientBuffer(display, nType, buffer, config, pAttributes);
+    arguments.vecSurfaceAttributes = withEnd(pAttributes);
+    return pfnReal(display, nType, buffer, config, pAttributes);
 }
 
-} // extern "C"
-// NOLINTEND(bugprone-reserved-identifier)
+} // namespace xelttest

@@ -1,5 +1,4 @@
-// The arguments of the calls to EGL by which the code under test makes its surface. The executable is linked so
-// that these calls come here first (--wrap).
+// The arguments of the calls to EGL by which the code under test makes its surface.
 #pragma once
 
 #include "platform/EglApi.h"
@@ -24,5 +23,13 @@ struct EglArguments
     // Of the calls since it was last assigned to.
     static EglArguments &last();
 };
+
+// The calls themselves, passed on. For the code that the system makes them come to first.
+using ChooseConfig = decltype(&eglChooseConfig);
+using CreateSurface = decltype(&eglCreatePbufferFromClientBuffer);
+EGLBoolean noteChooseConfig(ChooseConfig pfnReal, EGLDisplay display, const EGLint *pAttributes,
+                            EGLConfig *pConfigs, EGLint nSize, EGLint *pCount);
+EGLSurface noteCreateSurface(CreateSurface pfnReal, EGLDisplay display, EGLenum nType, EGLClientBuffer buffer,
+                             EGLConfig config, const EGLint *pAttributes);
 
 } // namespace xelttest

@@ -1,18 +1,16 @@
 #include "GlRecorder.h"
 
+#include "GlLookup.h"
+
 #include <qopengl.h>
 
-#include <dlfcn.h>
-
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <utility>
 
 namespace {
 
-using Function = void (*)();
-using Lookup = Function (*)(const char *);
+using Function = xelttest::GlFunction;
 using xelttest::GlRecorder;
 
 GlRecorder *g_pCurrent = nullptr;
@@ -321,7 +319,11 @@ bool cutSuffix(std::string &sName, const char *pszSuffix)
     return true;
 }
 
-Function wrapped(const char *pszName, Function pfnFound)
+} // namespace
+
+namespace xelttest {
+
+GlFunction wrapGl(const char *pszName, Function pfnFound)
 {
     std::string sName = pszName;
     if (pfnFound == nullptr) {
@@ -338,43 +340,6 @@ Function wrapped(const char *pszName, Function pfnFound)
     }
     return wrap<0>(sName, pfnFound);
 }
-
-// The function behind the one that this executable exports under its name: that of a library that stands
-// before the driver's, or the driver's own, which may not be there for all to see.
-Lookup realLookup(const char *pszLibrary, const char *pszName)
-{
-    void *pSymbol = dlsym(RTLD_NEXT, pszName);
-    if (pSymbol == nullptr) {
-        void *pModule = dlopen(pszLibrary, RTLD_NOW | RTLD_LOCAL);
-        pSymbol = pModule != nullptr ? dlsym(pModule, pszName) : nullptr;
-    }
-    if (pSymbol == nullptr) {
-        std::abort();
-    }
-    return reinterpret_cast<Lookup>(pSymbol);
-}
-
-} // namespace
-
-extern "C" __attribute__((visibility("default"))) Function eglGetProcAddress(const char *pszName)
-{
-    static const Lookup pfnLookup = realLookup("libEGL.so.1", "eglGetProcAddress");
-    return wrapped(pszName, pfnLookup(pszName));
-}
-
-extern "C" __attribute__((visibility("default"))) Function glXGetProcAddress(const char *pszName)
-{
-    static const Lookup pfnLookup = realLookup("libGL.so.1", "glXGetProcAddress");
-    return wrapped(pszName, pfnLookup(pszName));
-}
-
-extern "C" __attribute__((visibility("default"))) Function glXGetProcAddressARB(const char *pszName)
-{
-    static const Lookup pfnLookup = realLookup("libGL.so.1", "glXGetProcAddressARB");
-    return wrapped(pszName, pfnLookup(pszName));
-}
-
-namespace xelttest {
 
 GlRecorder::GlRecorder()
 {

@@ -13,9 +13,7 @@
 //   "image 3553 0 32993 64 48 0 32993 5121 at 0" (level, internal format, size, border, format, type, address)
 //   "program 3", "uniform 4 is 0", "uniform 5 is 1.000000", "matrix 2 is 1.000000 0.000000 ..." (by columns)
 //
-// The executable exports the functions through which Qt's platform plugins look up GL by name
-// (ENABLE_EXPORTS), so this stands between Qt and the driver from the first context on. One at a time, on the
-// GUI thread.
+// GlLookup.h stands between Qt and the driver from the first context on. One at a time, on the GUI thread.
 #pragma once
 
 #include <string>

@@ -11,7 +11,7 @@ void HardwarePane::SetUp()
     softegl::HideExtension(false);
     softd3d11::ResetCallCounts();
     softegl::ResetCallCounts();
-    m_nObjectsBefore = softd3d11::LiveObjects();
+    m_nObjectsBefore = liveObjects();
     m_nSurfacesBefore = softegl::LiveSurfaces();
 }
 
@@ -24,9 +24,18 @@ void HardwarePane::TearDown()
     drainEvents();
     m_textures.reset();
     m_device.Reset();
-    EXPECT_EQ(softd3d11::LiveObjects(), m_nObjectsBefore);
+    EXPECT_EQ(liveObjects(), m_nObjectsBefore);
     EXPECT_EQ(surfaces(), m_nLostSurfaces);
     EXPECT_EQ(softegl::BoundTextures(), 0U);
+}
+
+size_t HardwarePane::texturesHeldByEgl() const
+{
+#ifdef _WIN32
+    return surfaces();
+#else
+    return 0; // it holds the pixels and not the object
+#endif
 }
 
 DecoderTextures &HardwarePane::textures(const QSize &size)
@@ -57,13 +66,24 @@ int32_t HardwarePane::submitSlice(DecoderTextures &textures, const Planes &plane
     if (m_pDeviceOfPane != textures.device()) {
         setDevice(textures.device());
     }
-    expectSlice(planes);
+    expectSlice(planes, textures, nSlice);
     const VideoFrameDesc desc = textures.frame(nSlice);
     return Xelt_ShowYuvFrame(handle(), &desc, sizeof desc);
 }
 
 void HardwarePane::expectSlice(const Planes &planes)
 {
+    expectConverted(planes, convertedFrame(planes));
+}
+
+void HardwarePane::expectSlice(const Planes &planes, const DecoderTextures &textures, UINT nSlice)
+{
+    expectConverted(planes, convertedSlice(textures, nSlice, QSize(planes.nWidth, planes.nHeight)));
+}
+
+void HardwarePane::expectConverted(const Planes &planes, std::vector<uint8_t> aConverted)
+{
+    m_model.aConverted = std::move(aConverted);
     m_model.nType = VIDEO_DISPLAY_DXGL;
     m_model.blSlice = true;
     m_model.nWidth = planes.nWidth;

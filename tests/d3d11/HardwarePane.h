@@ -1,8 +1,9 @@
-// A pane that is shown Direct3D 11 frames of the software device, and the picture that it has to show.
+// A pane that is shown Direct3D 11 frames, and the picture that it has to show.
 #pragma once
 
 #include "DecoderTextures.h"
 #include "PaneTest.h"
+#include "Processor.h"
 #include "QtMessages.h"
 
 #include "softd3d11/SoftEgl.h"
@@ -24,11 +25,15 @@ protected:
     // Fills the slice and submits it, with its device where the pane has another one. The call's result.
     int32_t submitSlice(const Planes &planes, UINT nSlice = 0);
     int32_t submitSlice(DecoderTextures &textures, const Planes &planes, UINT nSlice = 0);
-    // What the model says of the slice, without a submission.
+    // What the model says of the slice, without a submission. It lies at the top left of a slice of the array,
+    // or in one of its own.
     void expectSlice(const Planes &planes);
+    void expectSlice(const Planes &planes, const DecoderTextures &textures, UINT nSlice);
 
     // Surfaces that were made in this test and are there still.
     size_t surfaces() const { return softegl::LiveSurfaces() - m_nSurfacesBefore; }
+    // Textures of the device that EGL holds for its surfaces.
+    size_t texturesHeldByEgl() const;
     // One paint, now, and what it left.
     QImage paint() { return grab(handle()); }
     // Converts and shows.
@@ -43,6 +48,7 @@ protected:
     size_t m_nLostSurfaces = 0; // that the test's failing calls could not but leave behind
 
 private:
+    void expectConverted(const Planes &planes, std::vector<uint8_t> aConverted);
     View hardwareView() const;
     void addOverlays(ReferenceImage &image) const;
 

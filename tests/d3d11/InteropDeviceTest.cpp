@@ -84,7 +84,7 @@ TEST_F(InteropDevice, OnePaneOnTwoDevicesInTurn)
         }
         EXPECT_TRUE(shows());
         // Nothing but the decoder's own texture is left of the other device.
-        EXPECT_EQ(softd3d11::LiveObjects(before.device()), 1U);
+        EXPECT_EQ(liveObjects(before.device()), 1U);
         EXPECT_EQ(surfaces(), 1U);
         // More frames on the same device reuse what is there.
         softegl::ResetCallCounts();
@@ -104,12 +104,12 @@ TEST_F(InteropDevice, TheOldDeviceMayGoAtOnce)
         ASSERT_TRUE(shows());
     }
     // The pane holds the last one's texture and device until the next frame's are there.
-    EXPECT_GT(softd3d11::LiveObjects(), 0U);
+    EXPECT_GT(liveObjects(), 0U);
     DecoderTextures second(makeDevice(), QSize(64, 48));
-    const size_t nObjects = softd3d11::LiveObjects();
+    const size_t nObjects = liveObjects();
     ASSERT_EQ(submitSlice(second, makePlanes(Pattern::Card, 64, 48)), 0);
     EXPECT_TRUE(shows());
-    EXPECT_LE(softd3d11::LiveObjects(), nObjects);
+    EXPECT_LE(liveObjects(), nObjects);
     EXPECT_EQ(refusedCalls(), 0U);
 }
 
@@ -129,7 +129,7 @@ TEST_F(InteropDevice, AChangeWithoutATextureUsesNothingOfTheOldDevice)
     EXPECT_EQ(refusedCalls(), 0U);
     ASSERT_EQ(submitSlice(second, makePlanes(Pattern::Ramp, 96, 64)), 0);
     EXPECT_TRUE(shows());
-    EXPECT_EQ(softd3d11::LiveObjects(first.device()), 1U);
+    EXPECT_EQ(liveObjects(first.device()), 1U);
 }
 
 TEST_F(InteropDevice, NoDeviceShowsNothingUntilThereIsOne)

@@ -28,7 +28,7 @@ struct Fault
     bool blLosesSurface = false;
 };
 
-const std::string k_sFail = "(0xffffffff80004005) Unknown error -2147467259";
+const std::string k_sFail = "(0xffffffff80004005) " + systemText(E_FAIL);
 const Report k_noResource{"D3D11VP", "dx::D3D11VP::process", "[D3D11VP::process] ensureResource faild!", 75};
 
 const Fault k_aFaults[] = {

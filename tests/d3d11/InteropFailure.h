@@ -56,6 +56,12 @@ inline testing::AssertionResult reportsAre(const std::vector<Report> &vecExpecte
     return testing::AssertionSuccess();
 }
 
+// What Qt says of a result code, by which it asks the system.
+inline std::string systemText(HRESULT hr)
+{
+    return qt_error_string(hr).toStdString();
+}
+
 // Two sizes by turns, so that every frame needs another surface.
 class InteropFailure : public HardwarePane
 {

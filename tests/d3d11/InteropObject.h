@@ -51,7 +51,7 @@ protected:
         EXPECT_EQ(m_pGl->gl().glGetError(), GLenum(GL_NO_ERROR));
         m_pGl.reset();
         m_textures.reset();
-        EXPECT_EQ(softd3d11::LiveObjects(m_device.Get()), 0U);
+        EXPECT_EQ(liveObjects(m_device.Get()), 0U);
         EXPECT_EQ(references(m_device), 1U);
         EXPECT_EQ(softegl::LiveSurfaces(), 0U);
         EXPECT_EQ(softegl::BoundTextures(), 0U);

@@ -320,7 +320,7 @@ TEST_F(InteropObject, TeardownKeepsQtsContextAndLetsGoOfEverything)
     EXPECT_EQ(CallCount(Call::ReleaseTexImage), 1U);
     EXPECT_EQ(CallCount(Call::DestroySurface), 1U);
     EXPECT_EQ(m_pEgl->Device(), nullptr);
-    EXPECT_EQ(softd3d11::LiveObjects(m_device.Get()), 1U); // the decoder's array
+    EXPECT_EQ(liveObjects(m_device.Get()), 1U); // the decoder's array
     EXPECT_EQ(references(m_textures->texture()), 1U);
     EXPECT_FALSE(m_pEgl->BindProgram());
     // The context that Qt holds for current is the one that GL talks to.

@@ -34,7 +34,7 @@ protected:
         m_whole = withMargin(planes, array.size());
         array.fill(3, m_whole);
         setDevice(array.device());
-        expectSlice(planes);
+        expectSlice(planes, array, 3);
         VideoFrameDesc desc = array.frame(3);
         desc.iWidth = planes.nWidth;
         desc.iHeight = planes.nHeight;
@@ -120,7 +120,8 @@ protected:
 
 const std::string k_sRefused =
     "D3D11VP error@109. videoctx->VideoProcessorBlt(m_vp.Get(), m_outview.Get(), 0, 1, &stream): "
-    "(0xffffffff80070057) Unknown error -2147024809";
+    "(0xffffffff80070057) " +
+    systemText(E_INVALIDARG);
 
 TEST_F(InteropBeyond, ALargerSizeAloneCannotBeConverted)
 {

@@ -75,16 +75,16 @@ TEST_P(InteropSwitch, EveryOrder)
 TEST_P(InteropSwitch, AllIsGoneAfterTheHardwareTypeIsLeft)
 {
     textures(QSize(160, 120));
-    const size_t nDecoder = softd3d11::LiveObjects(m_device.Get());
+    const size_t nDecoder = liveObjects(m_device.Get());
     showType(VIDEO_DISPLAY_DXGL, "hardware");
-    EXPECT_GT(softd3d11::LiveObjects(m_device.Get()), nDecoder);
+    EXPECT_GT(liveObjects(m_device.Get()), nDecoder);
     clearBetween();
     showType(VIDEO_DISPLAY_YV12, "software");
     EXPECT_EQ(surfaces(), 0U);
     EXPECT_EQ(softegl::BoundTextures(), 0U);
     // The sub-image renderer keeps its hardware path for the next time, unless it was cleared.
     if (rendererType() != 7 || GetParam() == Between::Clear) {
-        EXPECT_EQ(softd3d11::LiveObjects(m_device.Get()), nDecoder);
+        EXPECT_EQ(liveObjects(m_device.Get()), nDecoder);
     }
 }
 
@@ -141,7 +141,7 @@ TEST_F(InteropClear, ClearedDropsEverythingWithTheNextPaint)
     EXPECT_EQ(surfaces(), 0U);
     EXPECT_EQ(softegl::BoundTextures(), 0U);
     m_textures.reset();
-    EXPECT_EQ(softd3d11::LiveObjects(m_device.Get()), 0U);
+    EXPECT_EQ(liveObjects(m_device.Get()), 0U);
     EXPECT_EQ((m_device->AddRef(), m_device->Release()), 1U);
     ASSERT_EQ(submitSlice(makePlanes(Pattern::Ramp, 96, 64, 3)), 0);
     EXPECT_TRUE(shows());
@@ -152,7 +152,7 @@ TEST_F(InteropClear, ReleasedPaneLeavesNothing)
     ASSERT_EQ(window().release(handle()), 0);
     EXPECT_EQ(surfaces(), 0U);
     m_textures.reset();
-    EXPECT_EQ(softd3d11::LiveObjects(m_device.Get()), 0U);
+    EXPECT_EQ(liveObjects(m_device.Get()), 0U);
     EXPECT_EQ((m_device->AddRef(), m_device->Release()), 1U);
 }
 

@@ -64,7 +64,7 @@ protected:
     void SetUp() override
     {
         ASSERT_TRUE(softegl::Active());
-        m_nObjects = softd3d11::LiveObjects();
+        m_nObjects = liveObjects();
         softd3d11::ResetCallCounts();
         for (auto &device : m_devices) {
             device = makeDevice();
@@ -82,10 +82,10 @@ protected:
             pDecoder.reset();
         }
         for (auto &device : m_devices) {
-            EXPECT_EQ(softd3d11::LiveObjects(device.Get()), 0U);
+            EXPECT_EQ(liveObjects(device.Get()), 0U);
             device.Reset();
         }
-        EXPECT_EQ(softd3d11::LiveObjects(), m_nObjects);
+        EXPECT_EQ(liveObjects(), m_nObjects);
         EXPECT_EQ(softegl::LiveSurfaces(), 0U);
         EXPECT_EQ(softegl::BoundTextures(), 0U);
         for (unsigned n = 0; n < static_cast<unsigned>(Method::Count); ++n) {

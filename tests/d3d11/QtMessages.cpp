@@ -1,5 +1,7 @@
 #include "QtMessages.h"
 
+#include "TestEnvironment.h"
+
 #include <QLoggingCategory>
 
 #include <utility>
@@ -56,6 +58,9 @@ std::vector<QtMessage> QtMessages::take()
 
 void QtMessages::handle(QtMsgType type, const QMessageLogContext &context, const QString &sText)
 {
+    if (isDisplaysNoise(sText.toUtf8())) {
+        return;
+    }
     const std::lock_guard lock(g_pRecorder->m_mutex);
     const bool blHasPosition = context.file != nullptr || context.line != 0 || context.function != nullptr;
     g_pRecorder->m_vecMessages.push_back({type, sText.toStdString(), blHasPosition});

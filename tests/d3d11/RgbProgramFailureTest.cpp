@@ -1,32 +1,17 @@
 // The RGB program when the driver refuses it.
+#include "RefuseBind.h"
 #include "RgbProgramTest.h"
-
-#include <dlfcn.h>
 
 #include <cinttypes>
 #include <cstdio>
-#include <cstdlib>
 
 namespace {
-
-bool g_blRefuseBind = false;
 
 // Each stage compiles, but no vertex stage writes what this one reads.
 const char k_pszUnlinkable[] = "#ifdef GL_ES\nprecision mediump float;\n#endif\n"
                                "varying vec4 v_Missing; void main() { gl_FragColor = v_Missing; }";
 
 } // namespace
-
-// The executable's definition comes before the one in Qt's library.
-bool QOpenGLShaderProgram::bind()
-{
-    using Bind = bool (*)(QOpenGLShaderProgram *);
-    static const auto pfnBind = reinterpret_cast<Bind>(dlsym(RTLD_NEXT, "_ZN20QOpenGLShaderProgram4bindEv"));
-    if (pfnBind == nullptr) {
-        std::abort();
-    }
-    return !g_blRefuseBind && pfnBind(this);
-}
 
 namespace xelttest {
 namespace {
@@ -36,7 +21,7 @@ class RgbProgramFailureTest : public RgbProgramTest
 protected:
     void TearDown() override
     {
-        g_blRefuseBind = false;
+        refuseProgramBind() = false;
         RgbProgramTest::TearDown();
     }
 
@@ -130,7 +115,7 @@ TEST_F(RgbProgramFailureTest, UniformsOfAFailedProgramGoNowhere)
 
 TEST_F(RgbProgramFailureTest, AProgramThatCannotBeBoundIsReported)
 {
-    g_blRefuseBind = true;
+    refuseProgramBind() = true;
     RgbProgram program(&m_nOwner);
     EXPECT_EQ(program.CreateGlslResource(), -1);
     ASSERT_NE(program.Program(), nullptr) << "it is kept";

@@ -4,6 +4,10 @@
 #include <algorithm>
 
 namespace xelttest {
+#ifndef GL_BGRA_EXT
+#define GL_BGRA_EXT 0x80E1
+#endif
+
 namespace {
 
 class RgbProgramTextureTest : public RgbProgramTest
@@ -20,6 +24,18 @@ protected:
 
     bool exists(GLuint nTexture) { return m_gl.gl().glIsTexture(nTexture) == GL_TRUE; }
 
+    // How many errors a texture of blue, green and red costs: some desktop drivers refuse one, others let it pass.
+    size_t errorsOfTheFormat()
+    {
+        QOpenGLFunctions &gl = m_gl.gl();
+        GLuint nTexture = 0;
+        gl.glGenTextures(1, &nTexture);
+        gl.glBindTexture(GL_TEXTURE_2D, nTexture);
+        gl.glTexImage2D(GL_TEXTURE_2D, 0, GL_BGRA_EXT, 16, 8, 0, GL_BGRA_EXT, GL_UNSIGNED_BYTE, nullptr);
+        gl.glBindTexture(GL_TEXTURE_2D, 0);
+        gl.glDeleteTextures(1, &nTexture);
+        return gl.glGetError() != GL_NO_ERROR ? 1 : 0;
+    }
     // What the context says of itself, line by line.
     std::vector<std::string> contextLines()
     {
@@ -59,13 +75,13 @@ TEST_F(RgbProgramTextureTest, IsLetGo)
 }
 
 // OpenGL ES stores blue, green and red in this order; desktop OpenGL has no such internal format, which is
-// reported and otherwise left to the surface.
+// reported, where the driver minds, and otherwise left to the surface.
 TEST_F(RgbProgramTextureTest, LogsWhatTheContextSays)
 {
     RgbProgram program(&m_nOwner);
     EXPECT_EQ(program.BindEglTextures(16, 8), 0);
     EXPECT_EQ(CoreLog::instance().messages(), contextLines());
-    EXPECT_EQ(CoreLog::instance().errors().size(), isDesktop() ? 1u : 0u);
+    EXPECT_EQ(CoreLog::instance().errors().size(), errorsOfTheFormat());
     EXPECT_EQ(m_messages.take(), Messages());
     EXPECT_EQ(m_gl.gl().glGetError(), static_cast<GLenum>(GL_NO_ERROR)) << "the error was taken";
 }
@@ -75,7 +91,7 @@ TEST_F(RgbProgramTextureTest, TakesAnEmptyFrame)
     RgbProgram program(&m_nOwner);
     EXPECT_EQ(program.BindEglTextures(0, 0), 0);
     EXPECT_TRUE(exists(program.Texture()));
-    EXPECT_EQ(CoreLog::instance().errors().size(), isDesktop() ? 1u : 0u);
+    EXPECT_EQ(CoreLog::instance().errors().size(), errorsOfTheFormat());
     EXPECT_EQ(CoreLog::instance().messages(), contextLines());
 }
 

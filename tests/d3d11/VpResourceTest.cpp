@@ -58,9 +58,9 @@ TEST_F(VpResource, TheInputViewEndsWithTheCall)
 {
     ASSERT_TRUE(process());
     // Two textures, enumerator, processor and output view.
-    EXPECT_EQ(softd3d11::LiveObjects(m_device.Get()), 5U);
+    EXPECT_EQ(liveObjects(m_device.Get()), 5U);
     ASSERT_TRUE(process());
-    EXPECT_EQ(softd3d11::LiveObjects(m_device.Get()), 5U);
+    EXPECT_EQ(liveObjects(m_device.Get()), 5U);
 }
 
 TEST_F(VpResource, AnotherSizeRebuildsAllThree)
@@ -74,7 +74,7 @@ TEST_F(VpResource, AnotherSizeRebuildsAllThree)
     use(QSize(128, 48)); // one length alone is enough
     ASSERT_TRUE(process());
     EXPECT_EQ(VpCalls::now(), (VpCalls{1, 1, 1, 1, 1, 1}));
-    EXPECT_EQ(softd3d11::LiveObjects(m_device.Get()), 5U);
+    EXPECT_EQ(liveObjects(m_device.Get()), 5U);
 }
 
 TEST_F(VpResource, AnotherOutputRebuildsTheOutputViewOnly)

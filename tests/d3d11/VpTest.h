@@ -47,7 +47,7 @@ protected:
         m_vp.reset();
         m_textures.reset();
         m_target.Reset();
-        EXPECT_EQ(softd3d11::LiveObjects(m_device.Get()), 0U);
+        EXPECT_EQ(liveObjects(m_device.Get()), 0U);
         EXPECT_EQ(m_device->AddRef(), 2U);
         EXPECT_EQ(m_device->Release(), 1U);
     }

@@ -1,4 +1,6 @@
 // A process that ends with a pane that was never released: it ends as if there were none.
+#include "TestEnvironment.h"
+
 #include <gtest/gtest.h>
 
 #include <QProcess>
@@ -17,10 +19,9 @@ class Exit : public testing::TestWithParam<const char *>
 // Without the lines that the display makes Qt write in every program, if it does.
 std::string complaints(const QByteArray &abErrors)
 {
-    const QByteArray abNoise = qgetenv("XELT_TEST_NOISE");
     QByteArray abRest;
     for (const QByteArray &abLine : abErrors.split('\n')) {
-        if (abNoise.isEmpty() || !abLine.startsWith(abNoise)) {
+        if (!xelttest::isDisplaysNoise(abLine)) {
             abRest += abLine;
         }
     }

@@ -34,6 +34,12 @@ QString artifactDir()
     return sDir;
 }
 
+bool isDisplaysNoise(const QByteArray &abLine)
+{
+    const QByteArray abNoise = qgetenv("XELT_TEST_NOISE");
+    return !abNoise.isEmpty() && abLine.startsWith(abNoise);
+}
+
 void applySurfaceFormat(GlFlavour flavour)
 {
     QSurfaceFormat format = QSurfaceFormat::defaultFormat();

@@ -2,6 +2,7 @@
 // desktop or none), XELT_TEST_SCALE, XELT_TEST_RENDERER and XELT_TEST_ARTIFACTS.
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 
 namespace xelttest {
@@ -15,6 +16,10 @@ int scaleFactor();
 int rendererType();
 // The folder for pictures of failed comparisons; made when missing.
 QString artifactDir();
+
+// Whether the line is one that Qt writes in every program on this display, and says nothing about the one that runs:
+// it begins as XELT_TEST_NOISE says.
+bool isDisplaysNoise(const QByteArray &abLine);
 
 // Sets the default surface format for the flavour. Call before the QApplication is made.
 void applySurfaceFormat(GlFlavour flavour);

@@ -10,4 +10,8 @@ namespace xelttest {
 // caller; it lives until the process ends. GUI thread.
 ID3D11Device *angleDevice();
 
+// Draws something of no importance: what was drawn last stays bound, and alive, until something else is drawn.
+// Leaves the current context as it was. GUI thread.
+void unbindWhatWasDrawn();
+
 } // namespace xelttest

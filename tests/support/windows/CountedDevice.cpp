@@ -11,6 +11,7 @@
 
 #include <map>
 #include <mutex>
+#include <utility>
 
 #ifdef _MSC_VER
 #include <intrin.h>
@@ -27,6 +28,7 @@ using softd3d11::Call;
 using softd3d11::Method;
 
 thread_local int t_nUncounted = 0;
+thread_local ID3D11Device *t_pMaker = nullptr;
 
 bool isWatched(const void *pCaller)
 {
@@ -96,8 +98,18 @@ template <typename Result, typename Run> HRESULT counted(Method method, Result *
 
 void adopt(ID3D11Device *pDevice, ID3D11DeviceChild *pChild)
 {
-    softd3d11::live::AddChild(pDevice);
-    whenItEnds(*pChild, Notice::Counted, [pDevice] { softd3d11::live::RemoveChild(pDevice); });
+    ID3D11Device *const pMaker = t_pMaker;
+    ID3D11Device *const pOwner = pMaker != nullptr ? pMaker : pDevice;
+    if (pMaker != nullptr) {
+        pMaker->AddRef();
+    }
+    softd3d11::live::AddChild(pOwner);
+    whenItEnds(*pChild, Notice::Counted, [pOwner, pMaker] {
+        softd3d11::live::RemoveChild(pOwner);
+        if (pMaker != nullptr) {
+            pMaker->Release();
+        }
+    });
 }
 
 template <typename Result> void adoptChildOf(ID3D11VideoDevice *pVideoDevice, Result **ppResult)
@@ -358,6 +370,13 @@ Uncounted::Uncounted()
 Uncounted::~Uncounted()
 {
     --t_nUncounted;
+}
+
+MadeOn::MadeOn(ID3D11Device &device) : m_pBefore(std::exchange(t_pMaker, &device)) {}
+
+MadeOn::~MadeOn()
+{
+    t_pMaker = m_pBefore;
 }
 
 void countCalls(ID3D11Device &device, bool blShareHandles)

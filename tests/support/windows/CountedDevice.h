@@ -10,6 +10,19 @@ namespace xelttest {
 // Counts from now on. With a stand-in for shared handles, if wanted, also for callers that are not counted.
 void countCalls(ID3D11Device &device, bool blShareHandles);
 
+// While one lives, what this thread's calls make counts as the device's, which lives on with it.
+class MadeOn
+{
+public:
+    explicit MadeOn(ID3D11Device &device);
+    ~MadeOn();
+    MadeOn(const MadeOn &) = delete;
+    MadeOn &operator=(const MadeOn &) = delete;
+
+private:
+    ID3D11Device *m_pBefore;
+};
+
 // While one lives, this thread's calls are neither counted nor made to fail.
 class Uncounted
 {

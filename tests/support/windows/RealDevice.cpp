@@ -1,15 +1,22 @@
-// softd3d11::CreateDevice on the system's Direct3D 11: with OpenGL ES on ANGLE it answers with ANGLE's own
-// device, with a stand-in for shared handles, otherwise with a new one.
+// softd3d11::CreateDevice on the system's Direct3D 11: a new device, or, with OpenGL ES on ANGLE, one that stands
+// for ANGLE's own, where there is a stand-in for shared handles.
 #include "TestEnvironment.h"
 #include "windows/AngleDevice.h"
 #include "windows/CountedDevice.h"
+#include "windows/HostDevice.h"
 
 #include "softd3d11/Instrumentation.h"
 
 #include <QOffscreenSurface>
 #include <QOpenGLContext>
+#include <QOpenGLFramebufferObject>
+#include <QOpenGLFunctions>
+#include <QOpenGLShaderProgram>
 
 #include <d3d11_4.h>
+
+#include <array>
+#include <cstdint>
 
 namespace xelttest {
 
@@ -57,26 +64,58 @@ ID3D11Device *askEgl()
     return reinterpret_cast<ID3D11Device *>(nD3D11Device);
 }
 
-// Qt has one display for all contexts, so any of them will do.
-ID3D11Device *findAngleDevice()
+// Runs with a context of its own current. Qt has one display for all contexts, so any of them will do.
+template <typename Run> void withContext(Run &&run)
 {
     QOpenGLContext *const pBefore = QOpenGLContext::currentContext();
     QSurface *const pSurfaceBefore = pBefore != nullptr ? pBefore->surface() : nullptr;
-    ID3D11Device *pDevice = nullptr;
     {
         QOffscreenSurface surface;
         surface.setFormat(QSurfaceFormat::defaultFormat());
         surface.create();
         QOpenGLContext context;
         if (context.create() && context.makeCurrent(&surface)) {
-            pDevice = askEgl();
+            run(context);
             context.doneCurrent();
         }
     }
     if (pSurfaceBefore != nullptr) {
         pBefore->makeCurrent(pSurfaceBefore);
     }
+}
+
+ID3D11Device *findAngleDevice()
+{
+    ID3D11Device *pDevice = nullptr;
+    withContext([&pDevice](QOpenGLContext &) { pDevice = askEgl(); });
     return pDevice;
+}
+
+void drawBlackTexture(QOpenGLFunctions &gl)
+{
+    QOpenGLShaderProgram program;
+    program.addShaderFromSourceCode(QOpenGLShader::Vertex,
+                                    "attribute vec4 a; void main() { gl_Position = a; }");
+    program.addShaderFromSourceCode(QOpenGLShader::Fragment,
+                                    "precision mediump float; uniform sampler2D t;"
+                                    "void main() { gl_FragColor = texture2D(t, vec2(0.5)); }");
+    program.bindAttributeLocation("a", 0);
+    program.link();
+    program.bind();
+    QOpenGLFramebufferObject target(1, 1);
+    target.bind();
+    const std::array<uint8_t, 4> aBlack{};
+    GLuint nTexture = 0;
+    gl.glGenTextures(1, &nTexture);
+    gl.glBindTexture(GL_TEXTURE_2D, nTexture);
+    gl.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+    gl.glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, 1, 1, 0, GL_RGBA, GL_UNSIGNED_BYTE, aBlack.data());
+    const std::array<float, 6> afCorners{-1, -1, 3, -1, -1, 3};
+    gl.glVertexAttribPointer(0, 2, GL_FLOAT, GL_FALSE, 0, afCorners.data());
+    gl.glEnableVertexAttribArray(0);
+    gl.glDrawArrays(GL_TRIANGLES, 0, 3);
+    gl.glFinish();
+    gl.glDeleteTextures(1, &nTexture);
 }
 
 } // namespace
@@ -95,18 +134,20 @@ ID3D11Device *angleDevice()
     return s_pDevice;
 }
 
+void unbindWhatWasDrawn()
+{
+    withContext([](QOpenGLContext &context) { drawBlackTexture(*context.functions()); });
+}
+
 } // namespace xelttest
 
 HRESULT softd3d11::CreateDevice(ID3D11Device **ppDevice) noexcept
 {
     using namespace xelttest;
     if (glFlavour() == GlFlavour::Es) {
-        *ppDevice = angleDevice();
-        if (*ppDevice == nullptr) {
-            return E_FAIL;
-        }
-        (*ppDevice)->AddRef();
-        return S_OK;
+        ID3D11Device *const pReal = angleDevice();
+        *ppDevice = pReal != nullptr ? makeHostDevice(*pReal) : nullptr;
+        return *ppDevice != nullptr ? S_OK : E_FAIL;
     }
     static const auto s_pfnCreate = function<PFN_D3D11_CREATE_DEVICE>("d3d11.dll", "D3D11CreateDevice");
     if (s_pfnCreate == nullptr) {

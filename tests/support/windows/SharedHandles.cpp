@@ -1,5 +1,6 @@
 #include "windows/SharedHandles.h"
 
+#include "windows/CountedDevice.h"
 #include "windows/EndNotice.h"
 
 #include "d3d11/ComPtr.h"
@@ -73,6 +74,7 @@ bool openShared(HANDLE hShared, REFIID iid, void **ppObject, HRESULT &hrResult)
             return false;
         }
     }
+    const Uncounted uncounted; // the stand-in's own call
     hrResult = static_cast<IUnknown *>(hShared)->QueryInterface(iid, ppObject);
     return true;
 }

@@ -1,8 +1,8 @@
 // softd3d11/SoftEgl.h on ANGLE: the library under test looks its EGL functions up by name, and is given these,
 // which count, fail on demand, and otherwise pass the call on.
 #include "windows/WatchedEgl.h"
+#include "ImportTable.h"
 #include "windows/AngleDevice.h"
-#include "windows/ImportHook.h"
 
 #include "softd3d11/SoftEgl.h"
 #include "softd3d11/egl/CallFaults.h"
@@ -15,6 +15,8 @@
 #include <mutex>
 #include <set>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace softegl {
 
@@ -37,6 +39,8 @@ struct Surfaces
     std::mutex mutex;
     std::set<EGLSurface> living;
     std::set<EGLSurface> bound;
+    std::vector<std::pair<EGLDisplay, EGLSurface>> lost; // that could not be destroyed
+    size_t nLost = 0;                                    // so far
 
     static Surfaces &instance()
     {
@@ -126,12 +130,15 @@ EGLSurface EGLAPIENTRY onCreate(EGLDisplay display, EGLenum nType, EGLClientBuff
 
 EGLBoolean EGLAPIENTRY onDestroySurface(EGLDisplay display, EGLSurface surface)
 {
-    if (fails(Call::DestroySurface)) {
-        return EGL_FALSE;
-    }
+    const bool blFails = fails(Call::DestroySurface);
     Surfaces &surfaces = Surfaces::instance();
     const std::lock_guard<std::mutex> lock(surfaces.mutex);
     surfaces.living.erase(surface);
+    if (blFails) {
+        surfaces.lost.emplace_back(display, surface);
+        ++surfaces.nLost;
+        return EGL_FALSE;
+    }
     return g_real.pfnDestroySurface(display, surface);
 }
 
@@ -193,10 +200,10 @@ FARPROC WINAPI onLookup(HMODULE hModule, LPCSTR pszName)
 // Before the library looks its first name up. In a test that holds the library's objects itself, the program
 // is the module that does.
 const bool s_blInstalled = [] {
-    void *const pModule = GetModuleHandleA("XeltRender.dll");
+    const char *pszModule = GetModuleHandleA("XeltRender.dll") != nullptr ? "XeltRender.dll" : "";
     g_pfnLookup = &GetProcAddress;
-    const auto pBefore =
-        xelttest::replaceImport(pModule, "GetProcAddress", reinterpret_cast<void *>(&onLookup));
+    void *const pBefore =
+        xelttest::replaceImport(pszModule, "GetProcAddress", reinterpret_cast<void *>(&onLookup));
     if (pBefore != nullptr) {
         g_pfnLookup = reinterpret_cast<decltype(g_pfnLookup)>(pBefore);
     }
@@ -243,13 +250,19 @@ bool FailCall(Call call, std::int32_t nError, unsigned nNth, unsigned nTimes) no
 void ClearFailures() noexcept
 {
     CallFaults::Instance().Clear();
+    // Nobody knows these surfaces any more; their textures are to go.
+    Surfaces &surfaces = Surfaces::instance();
+    const std::lock_guard<std::mutex> lock(surfaces.mutex);
+    for (const auto &[display, surface] : std::exchange(surfaces.lost, {})) {
+        g_real.pfnDestroySurface(display, surface);
+    }
 }
 
 std::size_t LiveSurfaces() noexcept
 {
     Surfaces &surfaces = Surfaces::instance();
     const std::lock_guard<std::mutex> lock(surfaces.mutex);
-    return surfaces.living.size();
+    return surfaces.living.size() + surfaces.nLost;
 }
 
 std::size_t BoundTextures() noexcept

@@ -1,0 +1,24 @@
+// What the video processor at hand makes of a frame, where that is not for Direct3D to say.
+#pragma once
+
+#include "DecoderTextures.h"
+
+namespace xelttest {
+
+// How far the processor keeps to the colour spaces' definitions.
+struct ProcessorHabits
+{
+    double dChromaZero = 128.0; // the value of no colour
+    double dChromaSpan = 224.0; // in limited range
+    bool blHonoursRange = true; // otherwise everything counts as limited
+    bool blClampsLuma = false;  // to its range, before it is mixed with chroma
+    size_t nWrongRows = 0;      // that may be their neighbours instead
+};
+const ProcessorHabits &processorHabits();
+
+// Rows of B, G, R, A as the processor converts the frame, or that part of a slice, BT.709 and limited; empty
+// where it keeps to the definitions. Its calls are not counted.
+std::vector<uint8_t> convertedFrame(const Planes &planes);
+std::vector<uint8_t> convertedSlice(const DecoderTextures &textures, UINT nSlice, const QSize &size);
+
+} // namespace xelttest
