@@ -17,14 +17,13 @@ namespace xelttest {
 
 namespace {
 
-constexpr char k_szPointVertex[] = "attribute vec2 aPixel;\n"
+constexpr char k_szValueVertex[] = "attribute vec2 aCorner;\n"
                                    "attribute vec4 aValue;\n"
                                    "varying vec4 value;\n"
                                    "void main()\n"
                                    "{\n"
                                    "    value = aValue;\n"
-                                   "    gl_PointSize = 1.0;\n"
-                                   "    gl_Position = vec4(aPixel, 0.0, 1.0);\n"
+                                   "    gl_Position = vec4(aCorner, 0.0, 1.0);\n"
                                    "}\n";
 
 // Half the distance of neighbouring half floats, of their value at most.
@@ -40,9 +39,26 @@ bool isHalfFloat(double dValue)
     return dSteps == std::floor(dSteps);
 }
 
-float centre(int nPixel, int nPixels)
+// Where the pixel begins, which is where the one before it ends.
+float edge(int nPixel, int nPixels)
 {
-    return (2.0F * static_cast<float>(nPixel) + 1.0F) / static_cast<float>(nPixels) - 1.0F;
+    return 2.0F * static_cast<float>(nPixel) / static_cast<float>(nPixels) - 1.0F;
+}
+
+// One pixel's square as two triangles, with the same value at every corner, so that nothing lies between them to
+// round. No point: ANGLE draws these with a geometry shader, which not every Direct3D compiles.
+void addPixel(std::vector<float> &aCorners, std::vector<float> &aValues, const std::array<float, 4> &aSquare,
+              const Rgba &value)
+{
+    constexpr std::array<std::array<size_t, 2>, 6> k_aCorners = {
+        {{0, 1}, {2, 1}, {0, 3}, {0, 3}, {2, 1}, {2, 3}}};
+    for (const auto &aCorner : k_aCorners) {
+        aCorners.push_back(aSquare[aCorner[0]]);
+        aCorners.push_back(aSquare[aCorner[1]]);
+        for (const double dValue : value) {
+            aValues.push_back(static_cast<float>(dValue));
+        }
+    }
 }
 
 } // namespace
@@ -162,7 +178,7 @@ std::unique_ptr<QOpenGLShaderProgram> GlBench::link(const QByteArray &abVertex, 
 std::vector<Rgba> GlBench::evaluate(const QByteArray &abDeclarations, const QByteArray &abStatements,
                                     const std::vector<Rgba> &vecInputs, const SetUniforms &setUniforms)
 {
-    const auto program = link(k_szPointVertex, fragmentPrefix() + "varying vec4 value;\n" + abDeclarations +
+    const auto program = link(k_szValueVertex, fragmentPrefix() + "varying vec4 value;\n" + abDeclarations +
                                                    "\nvoid main()\n{\n    vec4 result;\n    " + abStatements +
                                                    "\n    gl_FragColor = result;\n}\n");
     if (!program->bind()) {
@@ -174,22 +190,22 @@ std::vector<Rgba> GlBench::evaluate(const QByteArray &abDeclarations, const QByt
     constexpr int k_nWidth = 256;
     const int nCount = static_cast<int>(vecInputs.size());
     const int nHeight = (nCount + k_nWidth - 1) / k_nWidth;
-    std::vector<float> aPixels;
+    std::vector<float> aCorners;
     std::vector<float> aValues;
     for (int i = 0; i < nCount; ++i) {
-        aPixels.push_back(centre(i % k_nWidth, k_nWidth));
-        aPixels.push_back(centre(i / k_nWidth, nHeight));
-        for (const double dValue : vecInputs[static_cast<size_t>(i)]) {
-            aValues.push_back(static_cast<float>(dValue));
-        }
+        const int x = i % k_nWidth;
+        const int y = i / k_nWidth;
+        addPixel(aCorners, aValues,
+                 {edge(x, k_nWidth), edge(y, nHeight), edge(x + 1, k_nWidth), edge(y + 1, nHeight)},
+                 vecInputs[static_cast<size_t>(i)]);
     }
     FloatTarget target(*this, k_nWidth, nHeight);
-    program->enableAttributeArray("aPixel");
+    program->enableAttributeArray("aCorner");
     program->enableAttributeArray("aValue");
-    program->setAttributeArray("aPixel", aPixels.data(), 2);
+    program->setAttributeArray("aCorner", aCorners.data(), 2);
     program->setAttributeArray("aValue", aValues.data(), 4);
-    glDrawArrays(GL_POINTS, 0, nCount);
-    program->disableAttributeArray("aPixel");
+    glDrawArrays(GL_TRIANGLES, 0, 6 * nCount);
+    program->disableAttributeArray("aCorner");
     program->disableAttributeArray("aValue");
     return target.read(vecInputs.size());
 }
