@@ -1,5 +1,5 @@
-# CPack makes one zip of BUILD. Unpacked below OUT it holds these files and no others, and its XeltRender.dll
-# exports the seven functions alone and says its VERSION.
+# CPack makes one zip of BUILD. Its folder, unpacked as OUT/unpacked, holds these files and no others, and its
+# XeltRender.dll exports the seven functions alone and says its VERSION.
 
 cmake_minimum_required(VERSION 3.18)
 file(REMOVE_RECURSE ${OUT})
@@ -11,11 +11,12 @@ if(NOT count EQUAL 1)
 endif()
 get_filename_component(name ${archives} NAME)
 string(REGEX REPLACE "\\.zip$" "" name ${name})
-file(MAKE_DIRECTORY ${OUT}/unpacked)
-execute_process(COMMAND ${CMAKE_COMMAND} -E tar xf ${archives} WORKING_DIRECTORY ${OUT}/unpacked
+file(MAKE_DIRECTORY ${OUT}/content)
+execute_process(COMMAND ${CMAKE_COMMAND} -E tar xf ${archives} WORKING_DIRECTORY ${OUT}/content
   COMMAND_ERROR_IS_FATAL ANY)
 
-set(root ${OUT}/unpacked/${name})
+set(root ${OUT}/unpacked)
+file(RENAME ${OUT}/content/${name} ${root})
 file(GLOB_RECURSE files RELATIVE ${root} ${root}/*)
 set(expected
   bin/Ombrix.dll bin/Qt5Core.dll bin/Qt5Gui.dll bin/Qt5Widgets.dll bin/XeltRender.dll bin/libEGL.dll

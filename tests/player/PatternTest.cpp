@@ -1,65 +1,38 @@
 // The built-in test pattern on the screen.
+#include "PatternPicture.h"
 #include "PatternSource.h"
 #include "PlayerRun.h"
-#include "ScreenColors.h"
 
 #include <gtest/gtest.h>
-
-#include <functional>
 
 namespace {
 
 constexpr int kFrames = 4;
 
-Clips::Yuv yuv(const YuvColor &color)
-{
-    return {color.nY, color.nU, color.nV};
-}
-
 QImage shot(const char *pOptions)
 {
-    QStringList asArguments{QStringLiteral("--pattern"), QStringLiteral("--pattern-size"),
-                            QStringLiteral("640x480"),   QStringLiteral("--frames"),
-                            QString::number(kFrames),    QStringLiteral("--size"),
-                            QStringLiteral("640x480")};
-    asArguments += QString::fromLatin1(pOptions).split(QLatin1Char(' '), Qt::SkipEmptyParts);
-    const QImage image = screenshotOf(asArguments);
+    const QImage image = screenshotOf(patternArguments(kFrames) + QString::fromLatin1(pOptions).split(
+                                                                      QLatin1Char(' '), Qt::SkipEmptyParts));
     EXPECT_EQ(image.size(), QSize(640, 480));
     return image;
-}
-
-// All parts of the last picture, one pixel of the pattern being one of the screen.
-void expectPattern(const QImage &image, const std::function<QRgb(const Clips::Yuv &)> &color)
-{
-    ASSERT_EQ(image.size(), QSize(640, 480));
-    for (int i = 0; i < PatternSource::kBars; ++i) {
-        expectColor(image, 40 + 80 * i, 200, color(yuv(PatternSource::barColor(i))));
-    }
-    const PatternSource pattern({QSize(640, 480), 25.0}, FrameLayout::Yv12);
-    const QPoint box = pattern.box(kFrames - 1).center();
-    expectColor(image, box.x(), box.y(), color(yuv(PatternSource::kBoxColor)));
-    for (const int x : {1, 200, 400, 638}) {
-        expectColor(image, x, 270, color({16 + 219 * x / 639, 128, 128}));
-    }
-    expectColor(image, 5, 470, color(yuv(PatternSource::kGroundColor)));
 }
 
 } // namespace
 
 TEST(Pattern, eachFormatOnEachGl)
 {
-    expectPattern(shot(""), yv12Color);
-    expectPattern(shot("--desktop-gl"), yv12Color);
-    expectPattern(shot("--format nv12"), nv12Color);
-    expectPattern(shot("--format nv12-padded"), nv12Color);
-    expectPattern(shot("--renderer subimage"), yv12Color);
+    expectPattern(shot(""), kFrames, yv12Color);
+    expectPattern(shot("--desktop-gl"), kFrames, yv12Color);
+    expectPattern(shot("--format nv12"), kFrames, nv12Color);
+    expectPattern(shot("--format nv12-padded"), kFrames, nv12Color);
+    expectPattern(shot("--renderer subimage"), kFrames, yv12Color);
 }
 
 TEST(Pattern, turned)
 {
     const QImage image = shot("--fill --rotate 180");
     for (int i = 0; i < PatternSource::kBars; ++i) {
-        expectColor(image, 639 - (40 + 80 * i), 479 - 200, yv12Color(yuv(PatternSource::barColor(i))));
+        expectColor(image, 639 - (40 + 80 * i), 479 - 200, yv12Color(patternBar(i)));
     }
 }
 

@@ -14,8 +14,8 @@ constexpr int kLongestRunMs = 120000;
 QProcessEnvironment playerEnvironment(const Environment &extra)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.remove(QStringLiteral("QT_XCB_GL_INTEGRATION"));
-    for (const char *pName : {"XELT_CORELOG_LEVEL", "XELT_CORELOG_FILE", "XELT_CORELOG_FILE_LEVEL"}) {
+    for (const char *pName : {"QT_OPENGL", "QT_XCB_GL_INTEGRATION", "XELT_CORELOG_LEVEL", "XELT_CORELOG_FILE",
+                              "XELT_CORELOG_FILE_LEVEL"}) {
         environment.remove(QLatin1String(pName));
     }
     // Qt complains on standard error where there is none.
@@ -24,9 +24,19 @@ QProcessEnvironment playerEnvironment(const Environment &extra)
     QFile::setPermissions(sRuntime, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), sRuntime);
     for (auto it = extra.begin(); it != extra.end(); ++it) {
-        environment.insert(it.key(), it.value());
+        if (it.value().isNull()) {
+            environment.remove(it.key());
+        } else {
+            environment.insert(it.key(), it.value());
+        }
     }
     return environment;
+}
+
+// Windows ends a line with two characters.
+QString text(const QByteArray &abOutput)
+{
+    return QString::fromUtf8(abOutput).remove(QLatin1Char('\r'));
 }
 
 std::vector<PaneLine> paneLines(const QString &sOutput)
@@ -47,11 +57,11 @@ std::vector<PaneLine> paneLines(const QString &sOutput)
 
 } // namespace
 
-PlayerRun::PlayerRun(const QStringList &asArguments, const Environment &environment)
+PlayerRun::PlayerRun(const QStringList &asArguments, const Environment &environment, const QString &sProgram)
 {
     m_process.setProcessEnvironment(playerEnvironment(environment));
     m_process.setWorkingDirectory(Clips::folder());
-    m_process.start(QStringLiteral(XELT_TEST_PLAYER), asArguments);
+    m_process.start(sProgram, asArguments);
 }
 
 PlayerResult PlayerRun::finish()
@@ -64,9 +74,9 @@ PlayerResult PlayerRun::finish()
     }
     result.blCrashed = !blEnded || m_process.exitStatus() != QProcess::NormalExit;
     result.nStatus = m_process.exitCode();
-    result.sOutput = QString::fromUtf8(m_process.readAllStandardOutput());
+    result.sOutput = text(m_process.readAllStandardOutput());
     result.panes = paneLines(result.sOutput);
-    const QString sErrors = QString::fromUtf8(m_process.readAllStandardError());
+    const QString sErrors = text(m_process.readAllStandardError());
     for (const QString &sLine : sErrors.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
         if (!sLine.startsWith(QStringLiteral("Screenshot: ")) &&
             !sLine.startsWith(QStringLiteral("Making a test clip: "))) {

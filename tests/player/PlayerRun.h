@@ -33,8 +33,10 @@ using Environment = QMap<QString, QString>;
 class PlayerRun
 {
 public:
-    // Starts it. The variables are added to the environment; the kind of GL is left to the player.
-    explicit PlayerRun(const QStringList &asArguments, const Environment &environment = {});
+    // Starts it. The variables are added to the environment, and those without a value taken from it; the kind
+    // of GL is left to the player.
+    explicit PlayerRun(const QStringList &asArguments, const Environment &environment = {},
+                       const QString &sProgram = QStringLiteral(XELT_TEST_PLAYER));
 
     // Waits for its end.
     PlayerResult finish();

@@ -31,6 +31,14 @@ QRgb nv12Color(const Clips::Yuv &yuv)
     return rgb(y + 1.13983 * v, y - 0.39465 * u - 0.58060 * v, y + 2.03211 * u);
 }
 
+QRgb textureColor(const Clips::Yuv &yuv)
+{
+    const double y = 255.0 * (yuv.nY - 16) / 219.0;
+    const double u = 255.0 * (yuv.nU - 128) / 224.0;
+    const double v = 255.0 * (yuv.nV - 128) / 224.0;
+    return rgb(y + 1.5748 * v, y - 0.18732 * u - 0.46812 * v, y + 1.8556 * u);
+}
+
 bool isNear(QRgb one, QRgb other, int nTolerance)
 {
     return std::abs(qRed(one) - qRed(other)) <= nTolerance &&

@@ -10,9 +10,11 @@ constexpr int kTolerance = 3; // of 255, for each component
 // Clamped and rounded.
 QRgb rgb(double red, double green, double blue);
 
-// Limited-range planes as the renderer's two conversions show them.
+// Limited-range planes as the renderer's two conversions show them, and as the video processor shows a texture,
+// which it takes for BT.709.
 QRgb yv12Color(const Clips::Yuv &yuv);
 QRgb nv12Color(const Clips::Yuv &yuv);
+QRgb textureColor(const Clips::Yuv &yuv);
 
 bool isNear(QRgb one, QRgb other, int nTolerance = kTolerance);
 
