@@ -1,25 +1,11 @@
 // What is on the screen, read off the player's screenshots.
 #include "Clips.h"
 #include "PlayerRun.h"
-#include "ScreenColors.h"
+#include "Quarters.h"
 
 #include <gtest/gtest.h>
 
-#include <array>
-#include <functional>
-
 namespace {
-
-// Places in order: top left, top right, bottom left, bottom right, in the middle of the quarters of `area`.
-void expectQuarters(const QImage &image, const QRect &area, const std::array<int, 4> &order,
-                    const std::function<QRgb(const Clips::Yuv &)> &color = yv12Color)
-{
-    for (int i = 0; i < 4; ++i) {
-        const int x = area.x() + area.width() * (i % 2 == 0 ? 1 : 3) / 4;
-        const int y = area.y() + area.height() * (i < 2 ? 1 : 3) / 4;
-        expectColor(image, x, y, color(Clips::kQuarters[order[static_cast<std::size_t>(i)]]));
-    }
-}
 
 QImage shot(const QString &sFile, const char *pOptions)
 {
@@ -40,7 +26,6 @@ int countNear(const QImage &image, const QRect &area, QRgb color, int nTolerance
     return nCount;
 }
 
-constexpr std::array<int, 4> kUpright{0, 1, 2, 3};
 const QRect kWhole(0, 0, 640, 480);
 
 void expectTexts(const QImage &without, const QImage &with)
@@ -88,26 +73,12 @@ TEST(Picture, bothNv12LayoutsAreTheSame)
 
 TEST(Picture, turnedAndMirrored)
 {
-    const struct
-    {
-        const char *pOptions;
-        std::array<int, 4> order;
-    } aCases[] = {
-        {"--fill --rotate 90", {2, 0, 3, 1}},
-        {"--fill --rotate 90 --ccw", {1, 3, 0, 2}},
-        {"--fill --rotate 180", {3, 2, 1, 0}},
-        {"--fill --rotate 270", {1, 3, 0, 2}},
-        {"--fill --mirror h", {1, 0, 3, 2}},
-        {"--fill --mirror v", {2, 3, 0, 1}},
-        {"--fill --rotate 90 --mirror h", {0, 2, 1, 3}},
-        {"--fill --rotate 90 --mirror h --format nv12-padded", {0, 2, 1, 3}},
-    };
-    for (const auto &entry : aCases) {
-        SCOPED_TRACE(entry.pOptions);
-        const bool blNv12 = QLatin1String(entry.pOptions).contains(QLatin1String("nv12"));
-        expectQuarters(shot(Clips::quarters(), entry.pOptions), kWhole, entry.order,
-                       blNv12 ? nv12Color : yv12Color);
+    for (const Turn &turn : kTurns) {
+        SCOPED_TRACE(turn.pOptions);
+        expectQuarters(shot(Clips::quarters(), turn.pOptions), kWhole, turn.order);
     }
+    expectQuarters(shot(Clips::quarters(), "--fill --rotate 90 --mirror h --format nv12-padded"), kWhole,
+                   {0, 2, 1, 3}, nv12Color);
 }
 
 // On a quarter turn the player sees to the proportions itself: 480 high, 360 wide, in the middle.

@@ -1,56 +1,27 @@
 // Pictures that go through Direct3D 11 textures, on the software device.
 #include "Clips.h"
+#include "PatternPicture.h"
 #include "PlayerRun.h"
+#include "Quarters.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <cstdlib>
 
 namespace {
 
-constexpr int kTolerance = 3; // of 255, for each component
-
-// BT.709 in the limited range, which the video processor takes every frame for.
-std::array<int, 3> expectedColor(const Clips::Yuv &yuv)
-{
-    const double y = (yuv.nY - 16) / 219.0;
-    const double u = (yuv.nU - 128) / 224.0;
-    const double v = (yuv.nV - 128) / 224.0;
-    const double aRgb[] = {y + 1.5748 * v, y - 0.18732 * u - 0.46812 * v, y + 1.8556 * u};
-    std::array<int, 3> color{};
-    for (std::size_t i = 0; i < 3; ++i) {
-        color[i] = static_cast<int>(std::lround(255 * std::clamp(aRgb[i], 0.0, 1.0)));
-    }
-    return color;
-}
-
-// The same colours in the renderers' own conversion of NV12 planes.
-std::array<int, 3> planeColor(const Clips::Yuv &yuv)
-{
-    const double y = yuv.nY - 0.0625 * 255.0;
-    const double u = yuv.nU - 127.5;
-    const double v = yuv.nV - 127.5;
-    const double aRgb[] = {y + 1.13983 * v, y - 0.39465 * u - 0.58060 * v, y + 2.03211 * u};
-    std::array<int, 3> color{};
-    for (std::size_t i = 0; i < 3; ++i) {
-        color[i] = static_cast<int>(std::lround(std::clamp(aRgb[i], 0.0, 255.0)));
-    }
-    return color;
-}
-
 // Which of the four colours the place shows, or 4 for black.
-std::size_t nearest(const QImage &image, int x, int y, std::array<int, 3> (*pfnColor)(const Clips::Yuv &))
+std::size_t nearest(const QImage &image, int x, int y, QRgb (*pfnColor)(const Clips::Yuv &))
 {
     const QRgb actual = image.pixel(x, y);
-    const auto distance = [actual](const std::array<int, 3> &color) {
-        return std::abs(qRed(actual) - color[0]) + std::abs(qGreen(actual) - color[1]) +
-               std::abs(qBlue(actual) - color[2]);
+    const auto distance = [actual](QRgb color) {
+        return std::abs(qRed(actual) - qRed(color)) + std::abs(qGreen(actual) - qGreen(color)) +
+               std::abs(qBlue(actual) - qBlue(color));
     };
     std::size_t nBest = 4;
-    int nLeast = distance({0, 0, 0});
+    int nLeast = distance(qRgb(0, 0, 0));
     for (std::size_t i = 0; i < 4; ++i) {
         const int nDistance = distance(pfnColor(Clips::kQuarters[i]));
         if (nDistance < nLeast) {
@@ -61,17 +32,10 @@ std::size_t nearest(const QImage &image, int x, int y, std::array<int, 3> (*pfnC
     return nBest;
 }
 
-// Places in order: top left, top right, bottom left, bottom right.
-void expectQuarters(const QImage &image, const std::array<int, 4> &order)
+void expectTextures(const QImage &image, const QuarterOrder &order)
 {
     ASSERT_EQ(image.size(), QSize(640, 480));
-    for (int i = 0; i < 4; ++i) {
-        const auto expected = expectedColor(Clips::kQuarters[order[static_cast<std::size_t>(i)]]);
-        const QRgb actual = image.pixel(i % 2 == 0 ? 160 : 480, i < 2 ? 120 : 360);
-        EXPECT_LE(std::abs(qRed(actual) - expected[0]), kTolerance) << i;
-        EXPECT_LE(std::abs(qGreen(actual) - expected[1]), kTolerance) << i;
-        EXPECT_LE(std::abs(qBlue(actual) - expected[2]), kTolerance) << i;
-    }
+    expectQuarters(image, image.rect(), order, textureColor);
 }
 
 QImage shot(const char *pFormat, const char *pOptions)
@@ -87,28 +51,27 @@ QImage shot(const char *pFormat, const char *pOptions)
 
 TEST(Textures, bothRenderersShowThem)
 {
-    expectQuarters(shot("d3d11", ""), {0, 1, 2, 3});
-    expectQuarters(shot("d3d11", "--renderer subimage"), {0, 1, 2, 3});
+    expectTextures(shot("d3d11", ""), kUpright);
+    expectTextures(shot("d3d11", "--renderer subimage"), kUpright);
 }
 
 TEST(Textures, turnedAndMirroredAsPlanesAre)
 {
-    const struct
-    {
-        const char *pOptions;
-        std::array<int, 4> order;
-    } aCases[] = {
-        {"--fill --rotate 90", {2, 0, 3, 1}},
-        {"--fill --rotate 90 --ccw", {1, 3, 0, 2}},
-        {"--fill --rotate 180", {3, 2, 1, 0}},
-        {"--fill --rotate 270", {1, 3, 0, 2}},
-        {"--fill --mirror h", {1, 0, 3, 2}},
-        {"--fill --mirror v", {2, 3, 0, 1}},
-        {"--fill --rotate 90 --mirror h", {0, 2, 1, 3}},
-    };
-    for (const auto &entry : aCases) {
-        SCOPED_TRACE(entry.pOptions);
-        expectQuarters(shot("d3d11", entry.pOptions), entry.order);
+    for (const Turn &turn : kTurns) {
+        SCOPED_TRACE(turn.pOptions);
+        expectTextures(shot("d3d11", turn.pOptions), turn.order);
+    }
+}
+
+TEST(Textures, showThePattern)
+{
+    constexpr int kFrames = 5;
+    for (const char *pRenderer : {"yuv", "subimage"}) {
+        SCOPED_TRACE(pRenderer);
+        expectPattern(screenshotOf(patternArguments(kFrames) +
+                                   QStringList{QStringLiteral("--format"), QStringLiteral("d3d11"),
+                                               QStringLiteral("--renderer"), QLatin1String(pRenderer)}),
+                      kFrames, textureColor);
     }
 }
 
@@ -124,14 +87,14 @@ TEST(Textures, standWhereThePlanesStand)
         std::array<int, 5> counts{};
         for (int y = 4; y < 476; y += 3) {
             for (int x = 4; x < 636; x += 3) {
-                const std::size_t nColor = nearest(planes, x, y, planeColor);
-                const bool blInside = nearest(planes, x - 4, y - 4, planeColor) == nColor &&
-                                      nearest(planes, x + 4, y - 4, planeColor) == nColor &&
-                                      nearest(planes, x - 4, y + 4, planeColor) == nColor &&
-                                      nearest(planes, x + 4, y + 4, planeColor) == nColor;
+                const std::size_t nColor = nearest(planes, x, y, nv12Color);
+                const bool blInside = nearest(planes, x - 4, y - 4, nv12Color) == nColor &&
+                                      nearest(planes, x + 4, y - 4, nv12Color) == nColor &&
+                                      nearest(planes, x - 4, y + 4, nv12Color) == nColor &&
+                                      nearest(planes, x + 4, y + 4, nv12Color) == nColor;
                 if (blInside) {
                     ++counts[nColor];
-                    ASSERT_EQ(nearest(texture, x, y, expectedColor), nColor) << x << ',' << y;
+                    ASSERT_EQ(nearest(texture, x, y, textureColor), nColor) << x << ',' << y;
                 }
             }
         }
