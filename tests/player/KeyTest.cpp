@@ -1,11 +1,12 @@
 // Keys and mouse, by way of the X server's test extension.
 #include "Clips.h"
 #include "PlayerRun.h"
+#include "PrivateDisplay.h"
 
 #include <gtest/gtest.h>
 
+#include <QDeadlineTimer>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QThread>
 
@@ -14,20 +15,60 @@
 
 namespace {
 
+// Which quarter of the clip has the colour at this place; 4 for black, -1 for none of them.
+int quarterAt(const QImage &image, int x, int y)
+{
+    const QRgb colors[] = {qRgb(181, 179, 181), qRgb(178, 55, 41), qRgb(87, 183, 55), qRgb(55, 71, 191),
+                           qRgb(0, 0, 0)};
+    const QRgb pixel = image.pixel(x, y);
+    for (int i = 0; i < 5; ++i) {
+        if (std::abs(qRed(pixel) - qRed(colors[i])) < 6 && std::abs(qGreen(pixel) - qGreen(colors[i])) < 6 &&
+            std::abs(qBlue(pixel) - qBlue(colors[i])) < 6) {
+            return i;
+        }
+    }
+    return -1;
+}
+
+bool isClipOnScreen()
+{
+    const QImage screen = PrivateDisplay::screen();
+    for (int y = 0; y < std::min(480, screen.height()); y += 8) {
+        for (int x = 0; x < std::min(640, screen.width()); x += 8) {
+            if (quarterAt(screen, x, y) == 0) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+bool waitForClipOnScreen(bool blThere)
+{
+    const QDeadlineTimer deadline(60000);
+    while (isClipOnScreen() != blThere) {
+        if (deadline.hasExpired()) {
+            return false;
+        }
+        QThread::msleep(20);
+    }
+    return true;
+}
+
 // A player that has shown its first picture, in a window of 640x480 at the top left corner of the screen.
 class Session
 {
 public:
     explicit Session(const QStringList &asOptions = {})
-        : m_sShot(freshPath(QStringLiteral(".png"))),
-          m_sLog(freshPath(QStringLiteral(".log"))),
+        : m_blScreenFree(waitForClipOnScreen(false)),
+          m_sShot(freshPath(QStringLiteral(".png"))),
           m_run(QStringList{Clips::quarters(), QStringLiteral("--loop"), QStringLiteral("--seconds"),
                             QStringLiteral("100"), QStringLiteral("--size"), QStringLiteral("640x480"),
                             QStringLiteral("--screenshot"), m_sShot} +
-                    asOptions,
-                {{QStringLiteral("XELT_CORELOG_FILE"), m_sLog}})
+                asOptions)
     {
-        EXPECT_TRUE(waitForPicture()) << "the player shows nothing";
+        EXPECT_TRUE(m_blScreenFree) << "the window of the player before is still there";
+        EXPECT_TRUE(waitForClipOnScreen(true)) << "the player shows nothing";
         input({"mousemove", "5", "5"});
     }
 
@@ -51,6 +92,9 @@ public:
                "1"});
     }
 
+    // Waits until a screenshot that was asked for by key is written.
+    bool waitForScreenshot() { return m_run.waitForError("Screenshot: "); }
+
     // Quits by key; image() is what was on screen then.
     PlayerResult quit()
     {
@@ -68,42 +112,11 @@ public:
     const QImage &image() const { return m_image; }
 
 private:
-    // The library logs when the first picture comes.
-    bool waitForPicture() const
-    {
-        QElapsedTimer timer;
-        timer.start();
-        while (timer.elapsed() < 60000) {
-            QFile log(m_sLog);
-            if (log.open(QIODevice::ReadOnly) && log.readAll().contains("GL_SHADING_LANGUAGE_VERSION")) {
-                QThread::msleep(200);
-                return true;
-            }
-            QThread::msleep(20);
-        }
-        return false;
-    }
-
+    const bool m_blScreenFree;
     QString m_sShot;
-    QString m_sLog;
     PlayerRun m_run;
     QImage m_image;
 };
-
-// Which quarter of the clip has the colour at this place; 4 for black, -1 for none of them.
-int quarterAt(const QImage &image, int x, int y)
-{
-    const QRgb colors[] = {qRgb(181, 179, 181), qRgb(178, 55, 41), qRgb(87, 183, 55), qRgb(55, 71, 191),
-                           qRgb(0, 0, 0)};
-    const QRgb pixel = image.pixel(x, y);
-    for (int i = 0; i < 5; ++i) {
-        if (std::abs(qRed(pixel) - qRed(colors[i])) < 6 && std::abs(qGreen(pixel) - qGreen(colors[i])) < 6 &&
-            std::abs(qBlue(pixel) - qBlue(colors[i])) < 6) {
-            return i;
-        }
-    }
-    return -1;
-}
 
 // Top left, top right, bottom left, bottom right of the window.
 std::vector<int> quarters(const QImage &image)
@@ -283,6 +296,7 @@ TEST(Keys, screenshot)
     }
     Session session;
     session.press({"p"});
+    ASSERT_TRUE(session.waitForScreenshot());
     session.quit();
     const QStringList asNew = QDir(Clips::folder()).entryList(asPattern);
     ASSERT_EQ(asNew.size(), 1);

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QRegularExpression>
 
@@ -62,6 +63,18 @@ PlayerRun::PlayerRun(const QStringList &asArguments, const Environment &environm
     m_process.setProcessEnvironment(playerEnvironment(environment));
     m_process.setWorkingDirectory(Clips::folder());
     m_process.start(sProgram, asArguments);
+}
+
+bool PlayerRun::waitForError(const QByteArray &abText)
+{
+    const QDeadlineTimer deadline(kLongestRunMs);
+    m_process.setReadChannel(QProcess::StandardError);
+    while (!m_process.peek(m_process.bytesAvailable()).contains(abText)) {
+        if (!m_process.waitForReadyRead(static_cast<int>(deadline.remainingTime()))) {
+            return false;
+        }
+    }
+    return true;
 }
 
 PlayerResult PlayerRun::finish()

@@ -38,6 +38,9 @@ public:
     explicit PlayerRun(const QStringList &asArguments, const Environment &environment = {},
                        const QString &sProgram = QStringLiteral(XELT_TEST_PLAYER));
 
+    // Waits until its standard error has the text; false when it ends before or takes too long.
+    bool waitForError(const QByteArray &abText);
+
     // Waits for its end.
     PlayerResult finish();
 
