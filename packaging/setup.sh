@@ -1,7 +1,8 @@
 # shellcheck shell=bash
 # What ./play and ./test share: the Debian packages and a virtual display. Sourced by them, with `set -eu`.
 #
-#   xelt_install_packages all|test|windows   installs what is missing of packages.txt: the lines before the first
+#   xelt_install_packages all|test|windows|windows-qt
+#                                    installs what is missing of packages.txt: the lines before the first
 #                                    section, with the name of a section those of this one as well. Asks nothing.
 #   xelt_has_display                 whether a window can be opened as things stand.
 #   xelt_start_display [WxHxD]       starts Xvfb on a free display number and exports DISPLAY.
