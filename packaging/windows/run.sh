@@ -38,6 +38,7 @@ write_batch() {
     printf '@echo off\r\nZ:\r\ncd %s\r\n' "$(windows_path "$(pwd -P)")"
     # The tests ask for a display by this name; here it is Wine's.
     printf 'set DISPLAY=wine\r\n'
+    printf 'set XELT_TEST_HIDE_CONSOLE=1\r\n'
     # Qt warns of this for every window: Wine does not implement it.
     printf 'set XELT_TEST_NOISE=EnableNonClientDpiScaling() failed\r\n'
     printf 'set QT_PLUGIN_PATH=%s\r\n' "$(windows_path "$qt/plugins")"

@@ -1,4 +1,4 @@
-// Labels over a moving picture as the screen shows them: screenshots of the X server.
+// Labels over a moving picture as the screen shows them.
 #include "ImageCompare.h"
 #include "LabelTest.h"
 
@@ -130,12 +130,15 @@ protected:
 
     static Place place() { return std::get<1>(GetParam()); }
 
-    // What the X server has where the pane is.
+    // What the screen shows where the pane is.
     QImage screenshot(const char *pszName) const
     {
+        // Of the screen, not of the window: what Direct3D presents on Windows never gets into the window's own bits.
         QScreen *pScreen = m_pWindow->windowHandle()->screen();
-        QImage image =
-            pScreen->grabWindow(m_pWindow->winId()).toImage().convertToFormat(QImage::Format_RGB32);
+        const QRect rc = m_pWindow->geometry();
+        QImage image = pScreen->grabWindow(0, rc.x(), rc.y(), rc.width(), rc.height())
+                           .toImage()
+                           .convertToFormat(QImage::Format_RGB32);
         const auto *pInfo = testing::UnitTest::GetInstance()->current_test_info();
         QString strName = QStringLiteral("%1-%2.png").arg(pInfo->name(), pszName);
         image.save(artifactDir() + '/' + strName.replace('/', '-'));

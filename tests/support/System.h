@@ -22,6 +22,10 @@ std::string comparablePath(std::string sPath);
 // Whether the code is this program's or the library's under test.
 bool isOurCode(const void *pCode);
 
+// Takes the console's window off the screen, where it might lie over those of the tests, if there is one and the
+// environment says XELT_TEST_HIDE_CONSOLE.
+void hideConsole();
+
 // Zeroed memory of whole pages with at least nSize bytes, and a page behind it that cannot be read. Throws
 // std::bad_alloc. nUsable is how much lies before that page.
 void *allocateGuarded(size_t nSize, size_t &nUsable);

@@ -62,6 +62,8 @@ bool isOurCode(const void *pCode)
            (code.dli_fbase == program.dli_fbase || std::strstr(code.dli_fname, "libXeltRender") != nullptr);
 }
 
+void hideConsole() {}
+
 void *allocateGuarded(size_t nSize, size_t &nUsable)
 {
     const size_t nPage = pageSize();

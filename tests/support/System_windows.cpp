@@ -7,6 +7,7 @@
 #include <psapi.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <new>
 
 namespace xelttest {
@@ -67,6 +68,13 @@ bool isOurCode(const void *pCode)
     const HMODULE hModule = moduleOf(pCode);
     return hModule != nullptr &&
            (hModule == GetModuleHandleA(nullptr) || hModule == GetModuleHandleA(k_szLibrary));
+}
+
+void hideConsole()
+{
+    if (std::getenv("XELT_TEST_HIDE_CONSOLE") != nullptr) {
+        ShowWindow(GetConsoleWindow(), SW_HIDE);
+    }
 }
 
 void *allocateGuarded(size_t nSize, size_t &nUsable)

@@ -1,5 +1,6 @@
 // The main of the tests. With a GL flavour a QApplication exists while they run, otherwise none. A missing
 // display or a wrong context is a failure with one clear line, never a skip.
+#include "System.h"
 #include "TestEnvironment.h"
 
 #include <gmock/gmock.h>
@@ -28,6 +29,7 @@ int main(int argc, char *argv[])
     if (qEnvironmentVariableIsEmpty("DISPLAY")) {
         return fail("DISPLAY is not set; these tests need an X display (xvfb-run -a gives one)");
     }
+    xelttest::hideConsole();
     xelttest::applySurfaceFormat(flavour);
     QApplication app(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
