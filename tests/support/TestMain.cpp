@@ -22,6 +22,7 @@ int fail(const char *pWhat)
 int main(int argc, char *argv[])
 {
     testing::InitGoogleMock(&argc, argv);
+    xelttest::hideConsole();
     const xelttest::GlFlavour flavour = xelttest::glFlavour();
     if (flavour == xelttest::GlFlavour::None) {
         return RUN_ALL_TESTS();
@@ -29,7 +30,6 @@ int main(int argc, char *argv[])
     if (qEnvironmentVariableIsEmpty("DISPLAY")) {
         return fail("DISPLAY is not set; these tests need an X display (xvfb-run -a gives one)");
     }
-    xelttest::hideConsole();
     xelttest::applySurfaceFormat(flavour);
     QApplication app(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);

@@ -214,7 +214,7 @@ HRESULT STDMETHODCALLTYPE onCreateEnumerator(ID3D11VideoDevice *pDevice,
     }
     return counted(Method::VideoDeviceCreateVideoProcessorEnumerator, ppEnumerator, [&] {
         const HRESULT hr = g_pfnCreateEnumerator(pDevice, pDesc, ppEnumerator);
-        if (SUCCEEDED(hr)) {
+        if (SUCCEEDED(hr) && ppEnumerator != nullptr) {
             adoptChildOf(pDevice, ppEnumerator);
             replaceMethod(*ppEnumerator, xeltSlots.nEnumeratorCheckFormat, &onCheckFormat, g_pfnCheckFormat);
         }

@@ -7,7 +7,8 @@
 
 namespace xelttest {
 
-// Counts from now on. With a stand-in for shared handles, if wanted, also for callers that are not counted.
+// Counts from now on. With a stand-in for shared handles, if wanted: of textures that counted calls make, for all
+// who open them.
 void countCalls(ID3D11Device &device, bool blShareHandles);
 
 // While one lives, what this thread's calls make counts as the device's, which lives on with it.

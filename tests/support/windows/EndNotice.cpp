@@ -1,6 +1,7 @@
 #include "windows/EndNotice.h"
 
 #include <atomic>
+#include <cstdlib>
 #include <utility>
 
 namespace xelttest {
@@ -46,7 +47,9 @@ constexpr GUID k_aNotices[] = {
 template <typename Object> void attach(Object &object, Notice notice, std::function<void()> action)
 {
     auto *pNotice = new EndNotice(std::move(action));
-    object.SetPrivateDataInterface(k_aNotices[static_cast<size_t>(notice)], pNotice);
+    if (FAILED(object.SetPrivateDataInterface(k_aNotices[static_cast<size_t>(notice)], pNotice))) {
+        std::abort(); // all that counts objects would be wrong from here on
+    }
     pNotice->Release();
 }
 

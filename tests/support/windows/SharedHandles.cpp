@@ -49,10 +49,12 @@ HRESULT createShared(CreateTexture pfnCreate, ID3D11Device *pDevice, const D3D11
     ComPtr<IDXGIResource> resource;
     if (SUCCEEDED(pTexture->QueryInterface(IID_IDXGIResource, resource.ReleaseAndGetVoidAddressOf()))) {
         IDXGIResource *const pResource = resource.Get();
-        Shared &shared = Shared::instance();
-        const std::lock_guard<std::mutex> lock(shared.mutex);
-        shared.textures.insert(pTexture);
-        shared.resources.insert(pResource);
+        {
+            Shared &shared = Shared::instance();
+            const std::lock_guard<std::mutex> lock(shared.mutex);
+            shared.textures.insert(pTexture);
+            shared.resources.insert(pResource);
+        }
         whenItEnds(*pTexture, Notice::Shared, [=] { forget(pTexture, pResource); });
     }
     return hr;

@@ -37,7 +37,8 @@ struct Copies
 
 } // namespace
 
-void replaceMethod(void *pObject, size_t nSlot, void *pReplacement, void *&pReal)
+void replaceMethod(void *pObject, size_t nSlot, void *pReplacement,
+                   const std::function<void(void *)> &keepReal)
 {
     Copies &copies = Copies::instance();
     const std::lock_guard<std::mutex> lock(copies.mutex);
@@ -51,7 +52,7 @@ void replaceMethod(void *pObject, size_t nSlot, void *pReplacement, void *&pReal
         ppTable = pCopy->data() + k_nBefore;
     }
     if (ppTable[nSlot] != pReplacement) {
-        pReal = ppTable[nSlot];
+        keepReal(ppTable[nSlot]);
         ppTable[nSlot] = pReplacement;
     }
 }

@@ -133,13 +133,17 @@ EGLBoolean EGLAPIENTRY onDestroySurface(EGLDisplay display, EGLSurface surface)
     const bool blFails = fails(Call::DestroySurface);
     Surfaces &surfaces = Surfaces::instance();
     const std::lock_guard<std::mutex> lock(surfaces.mutex);
-    surfaces.living.erase(surface);
     if (blFails) {
+        surfaces.living.erase(surface);
         surfaces.lost.emplace_back(display, surface);
         ++surfaces.nLost;
         return EGL_FALSE;
     }
-    return g_real.pfnDestroySurface(display, surface);
+    const EGLBoolean blDone = g_real.pfnDestroySurface(display, surface);
+    if (blDone == EGL_TRUE) {
+        surfaces.living.erase(surface);
+    }
+    return blDone;
 }
 
 EGLBoolean EGLAPIENTRY onBindTexImage(EGLDisplay display, EGLSurface surface, EGLint nBuffer)
@@ -158,10 +162,13 @@ EGLBoolean EGLAPIENTRY onReleaseTexImage(EGLDisplay display, EGLSurface surface,
     if (fails(Call::ReleaseTexImage)) {
         return EGL_FALSE;
     }
-    Surfaces &surfaces = Surfaces::instance();
-    const std::lock_guard<std::mutex> lock(surfaces.mutex);
-    surfaces.bound.erase(surface);
-    return g_real.pfnReleaseTexImage(display, surface, nBuffer);
+    const EGLBoolean blDone = g_real.pfnReleaseTexImage(display, surface, nBuffer);
+    if (blDone == EGL_TRUE) {
+        Surfaces &surfaces = Surfaces::instance();
+        const std::lock_guard<std::mutex> lock(surfaces.mutex);
+        surfaces.bound.erase(surface);
+    }
+    return blDone;
 }
 
 template <typename Pfn> FARPROC replace(FARPROC pfnFound, Pfn &pfnReal, Pfn pfnWatched)
