@@ -1,5 +1,8 @@
 #include "HardwarePane.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace xelttest {
 
 void HardwarePane::SetUp()
@@ -83,6 +86,7 @@ void HardwarePane::expectSlice(const Planes &planes, const DecoderTextures &text
 
 void HardwarePane::expectConverted(const Planes &planes, std::vector<uint8_t> aConverted)
 {
+    m_planes = planes;
     m_model.aConverted = std::move(aConverted);
     m_model.nType = VIDEO_DISPLAY_DXGL;
     m_model.blSlice = true;
@@ -110,11 +114,29 @@ View HardwarePane::hardwareView() const
     return view;
 }
 
+// What the processor would make of the expected frame if these faults in its colours were its own.
+std::vector<uint8_t> HardwarePane::convertedWith(const Faults &faults) const
+{
+    Planes planes = m_planes;
+    if (faults.blSwapChroma) {
+        std::swap(planes.aU, planes.aV);
+    }
+    for (uint8_t &nLuma : planes.aY) {
+        nLuma = static_cast<uint8_t>(std::clamp(nLuma + faults.dBlackLevel * 219, 0.0, 255.0));
+    }
+    return convertedFrame(planes, faults.blOtherMatrix);
+}
+
 ReferenceImage HardwarePane::hardwareReference(const Faults &faults) const
 {
     View view = hardwareView();
     view.faults = faults;
-    ReferenceImage image = renderPicture(m_model, view);
+    BufferModel model = m_model;
+    if (!model.aConverted.empty() &&
+        (faults.blSwapChroma || faults.blOtherMatrix || faults.dBlackLevel != 0.0)) {
+        model.aConverted = convertedWith(faults);
+    }
+    ReferenceImage image = renderPicture(model, view);
     addOverlays(image);
     return image;
 }

@@ -49,9 +49,11 @@ protected:
 
 private:
     void expectConverted(const Planes &planes, std::vector<uint8_t> aConverted);
+    std::vector<uint8_t> convertedWith(const Faults &faults) const;
     View hardwareView() const;
     void addOverlays(ReferenceImage &image) const;
 
+    Planes m_planes; // of the frame that is expected
     ID3D11Device *m_pDeviceOfPane = nullptr;
     size_t m_nObjectsBefore = 0;
     size_t m_nSurfacesBefore = 0;

@@ -16,9 +16,9 @@ struct ProcessorHabits
 };
 const ProcessorHabits &processorHabits();
 
-// Rows of B, G, R, A as the processor converts the frame, or that part of a slice, BT.709 and limited; empty
-// where it keeps to the definitions. Its calls are not counted.
-std::vector<uint8_t> convertedFrame(const Planes &planes);
+// Rows of B, G, R, A as the processor converts the frame, or that part of a slice, in limited range and BT.709 or
+// else BT.601. Empty for the software device, which keeps to the definitions. Its calls are not counted.
+std::vector<uint8_t> convertedFrame(const Planes &planes, bool blBt601 = false);
 std::vector<uint8_t> convertedSlice(const DecoderTextures &textures, UINT nSlice, const QSize &size);
 
 } // namespace xelttest

@@ -9,7 +9,7 @@ const ProcessorHabits &processorHabits()
     return s_habits;
 }
 
-std::vector<uint8_t> convertedFrame(const Planes & /*planes*/)
+std::vector<uint8_t> convertedFrame(const Planes & /*planes*/, bool /*blBt601*/)
 {
     return {};
 }

@@ -61,10 +61,10 @@ std::vector<uint8_t> convert(const DecoderTextures &textures, UINT nSlice, const
     return readTarget(device, *target.Get());
 }
 
-D3D11_VIDEO_PROCESSOR_COLOR_SPACE bt709(bool blFull)
+D3D11_VIDEO_PROCESSOR_COLOR_SPACE colorSpace(bool blBt601, bool blFull)
 {
     D3D11_VIDEO_PROCESSOR_COLOR_SPACE cs = {};
-    cs.YCbCr_Matrix = 1;
+    cs.YCbCr_Matrix = blBt601 ? 0 : 1;
     cs.Nominal_Range =
         blFull ? D3D11_VIDEO_PROCESSOR_NOMINAL_RANGE_0_255 : D3D11_VIDEO_PROCESSOR_NOMINAL_RANGE_16_235;
     return cs;
@@ -74,7 +74,7 @@ D3D11_VIDEO_PROCESSOR_COLOR_SPACE bt709(bool blFull)
 int redOf(DecoderTextures &textures, uint8_t nV, bool blFull)
 {
     textures.fill(0, solidPlanes(16, 16, 126, 128, nV));
-    return convert(textures, 0, QSize(16, 16), bt709(blFull))[4 * (8 * 16 + 8) + 2];
+    return convert(textures, 0, QSize(16, 16), colorSpace(false, blFull))[4 * (8 * 16 + 8) + 2];
 }
 
 ProcessorHabits measure()
@@ -105,19 +105,19 @@ const ProcessorHabits &processorHabits()
     return s_habits;
 }
 
-std::vector<uint8_t> convertedFrame(const Planes &planes)
+std::vector<uint8_t> convertedFrame(const Planes &planes, bool blBt601)
 {
     const Uncounted uncounted;
     const QSize size(planes.nWidth, planes.nHeight);
     DecoderTextures textures(makeDevice(), size, 1);
     textures.fill(0, planes);
-    return convertedSlice(textures, 0, size);
+    return convert(textures, 0, size, colorSpace(blBt601, false));
 }
 
 std::vector<uint8_t> convertedSlice(const DecoderTextures &textures, UINT nSlice, const QSize &size)
 {
     const Uncounted uncounted;
-    return convert(textures, nSlice, size, bt709(false));
+    return convert(textures, nSlice, size, colorSpace(false, false));
 }
 
 } // namespace xelttest

@@ -84,18 +84,11 @@ struct Conversion
 constexpr Conversion k_yv12{0.0, 1.4075, -0.3455, -0.7169, 1.779};
 constexpr Conversion k_nv12{0.0625, 1.13983, -0.39465, -0.58060, 2.03211};
 
-// Whether these need the slice itself and not what a processor has made of it.
-bool isOfColour(const Faults &faults)
-{
-    return faults.blSwapChroma || faults.blOtherMatrix || faults.dCoefficientOff != 0.0 ||
-           faults.dBlackLevel != 0.0;
-}
-
 Texture convertedTexture(const BufferModel &buffer)
 {
     Texture texture{buffer.nWidth, buffer.nHeight, 3, {}};
     for (size_t i = 0; i < buffer.aConverted.size(); i += 4) {
-        for (const size_t nChannel : {2, 1, 0}) {
+        for (const size_t nChannel : {2U, 1U, 0U}) {
             texture.aValues.push_back(buffer.aConverted[i + nChannel] / 255.0);
         }
     }
@@ -106,7 +99,7 @@ Texture convertedTexture(const BufferModel &buffer)
 // is rounded to bytes before anything is filtered.
 Texture convertSlice(const BufferModel &buffer, const Faults &faults)
 {
-    if (!buffer.aConverted.empty() && !isOfColour(faults)) {
+    if (!buffer.aConverted.empty()) {
         return convertedTexture(buffer);
     }
     const bool blBt601 = buffer.blBt601 != faults.blOtherMatrix;
