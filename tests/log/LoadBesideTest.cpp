@@ -4,7 +4,14 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+#include <cctype>
 #include <filesystem>
+#include <string>
+
+#ifndef _WIN32
+#include <dlfcn.h>
+#endif
 
 namespace {
 
@@ -69,6 +76,35 @@ TEST_F(LoadBeside, NameIsCutOutOfThePath)
     EXPECT_EQ(sLibraries, sFirst + sFirst);
     expectNull(QT_CORE_FILE, "libNotThere.so");
 }
+
+// By the file's own path, where the system knows no altered search path for modules.
+TEST_F(LoadBeside, SearchPathIsAlteredOnRequest)
+{
+    m_folder.placeCore("without_none", "modules/First.so");
+    const ProbeResult result = m_folder.run(
+        {QStringLiteral("load-calls"), QString::fromStdString(m_folder.path("modules/First.so"))});
+    EXPECT_EQ(result.nExitCode, 0);
+#ifdef _WIN32
+    EXPECT_EQ(result.sOutput, "LoadLibraryA 0\nLoadLibraryExA 8\n"); // LOAD_WITH_ALTERED_SEARCH_PATH
+#else
+    const std::string sCall = "dlopen " + std::to_string(RTLD_NOW | RTLD_LOCAL) + "\n";
+    EXPECT_EQ(result.sOutput, sCall + sCall);
+#endif
+}
+
+#ifdef _WIN32
+// Windows finds modules whatever the case of their names; so is the cut point.
+TEST_F(LoadBeside, CaseIsFoldedBeforeTheNameIsCutOut)
+{
+    std::string sUpper = QT_CORE_FILE;
+    std::transform(sUpper.begin(), sUpper.end(), sUpper.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+    ASSERT_NE(sUpper, QT_CORE_FILE);
+    const std::string sLibraries = output(QT_CORE_FILE, QT_GUI_FILE, "");
+    EXPECT_NE(sLibraries, "null\nnull\n");
+    EXPECT_EQ(output(sUpper, QT_GUI_FILE, ""), sLibraries);
+}
+#endif
 
 TEST_F(LoadBeside, NameThatIsNotInThePathGivesNull)
 {

@@ -7,10 +7,12 @@
 namespace {
 
 void (*g_pfnLoaded)(const char *) = nullptr;
+xelttest::LoadCall g_lastCall;
 
-HMODULE told(HMODULE hModule, const char *pszPath)
+HMODULE told(HMODULE hModule, const char *pszPath, const xelttest::LoadCall &call)
 {
     if (hModule != nullptr) {
+        g_lastCall = call;
         g_pfnLoaded(pszPath);
     }
     return hModule;
@@ -21,12 +23,12 @@ decltype(&LoadLibraryExA) g_pfnLoadEx = nullptr;
 
 HMODULE WINAPI load(const char *pszPath)
 {
-    return told(g_pfnLoad(pszPath), pszPath);
+    return told(g_pfnLoad(pszPath), pszPath, {"LoadLibraryA", 0});
 }
 
 HMODULE WINAPI loadEx(const char *pszPath, HANDLE hFile, DWORD nFlags)
 {
-    return told(g_pfnLoadEx(pszPath, hFile, nFlags), pszPath);
+    return told(g_pfnLoadEx(pszPath, hFile, nFlags), pszPath, {"LoadLibraryExA", nFlags});
 }
 
 } // namespace
@@ -41,6 +43,11 @@ void watchLoads(void (*pfnLoaded)(const char *))
     g_pfnLoadEx = &LoadLibraryExA;
     replaceImport("", "LoadLibraryA", reinterpret_cast<void *>(&load));
     replaceImport("", "LoadLibraryExA", reinterpret_cast<void *>(&loadEx));
+}
+
+LoadCall lastLoadCall()
+{
+    return g_lastCall;
 }
 
 } // namespace xelttest

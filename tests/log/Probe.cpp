@@ -168,6 +168,19 @@ int picture(const Arguments &)
     return 0;
 }
 
+// Loads a file and says by which calls, without and with the altered search path.
+int loadCalls(const Arguments &arguments)
+{
+    for (const bool blAltered : {false, true}) {
+        if (platform::LoadModule(arguments.at(0).c_str(), blAltered) == nullptr) {
+            return 2;
+        }
+        const xelttest::LoadCall call = xelttest::lastLoadCall();
+        std::printf("%s %u\n", call.pszFunction, call.nFlags);
+    }
+    return 0;
+}
+
 // Loads a file beside a module, and says which module that gave.
 int beside(const Arguments &arguments)
 {
@@ -204,8 +217,9 @@ int main(int argc, char *argv[])
 {
     xelttest::watchLoads(countLoad);
     const std::map<std::string, int (*)(const Arguments &)> mapSteps = {
-        {"operation", operation}, {"create", create}, {"fail", fail},       {"retry", retry},
-        {"entries", entries},     {"race", race},     {"picture", picture}, {"beside", beside}};
+        {"operation", operation}, {"create", create},   {"fail", fail},
+        {"retry", retry},         {"entries", entries}, {"race", race},
+        {"picture", picture},     {"beside", beside},   {"load-calls", loadCalls}};
     const auto it = argc > 1 ? mapSteps.find(argv[1]) : mapSteps.end();
     return it != mapSteps.end() ? it->second(Arguments(argv + 2, argv + argc)) : 2;
 }
