@@ -41,7 +41,8 @@ step() {
 # ANGLE has shaders that Direct3D's own compiler is meant for. vkd3d-compiler can do it from 2.1 on; Debian's stable
 # releases have older ones.
 make_shader_compiler() {
-    xelt_as_root rm -rf "$XELT_SHADER_ROOT"
+    # What debootstrap mounts there stays when it is killed, and is none of this folder's.
+    xelt_as_root rm -rf --one-file-system "$XELT_SHADER_ROOT"
     xelt_as_root debootstrap --variant=minbase --include=vkd3d-compiler sid "$XELT_SHADER_ROOT"
     # configure looks for this path.
     mkdir -p "$DXSDK_DIR/Utilities/bin/x64"
@@ -132,7 +133,7 @@ if ! flock --nonblock "$lock"; then
     flock "$lock"
 fi
 # A Qt of another recipe is no use, and neither are the steps to it.
-recipe="$(printf %s "$configure_options" | cat - "$here/angle.patch" "$here/fxc.sh" | cksum)"
+recipe="$(printf %s "$configure_options$(declare -f collect_qt)" | cat - "$here/angle.patch" "$here/fxc.sh" | cksum)"
 if [ "$(cat "$work/recipe" 2> /dev/null)" != "$recipe" ]; then
     xelt_as_root rm -rf "$work"
     mkdir -p "$work"
@@ -153,7 +154,7 @@ if [ ! -e "$work/stamp/finish" ]; then
     step build build_qt
     step install install_qt
     step finish collect_qt
-    # 3 GB, which nothing needs any more.
-    xelt_as_root rm -rf "$work"/{shader-root,dxsdk,fetch,source,build,installed,bin}
 fi
+# 3 GB, which nothing needs any more.
+xelt_as_root rm -rf "$work"/{shader-root,dxsdk,fetch,source,build,installed,bin}
 echo "$result"

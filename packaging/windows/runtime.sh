@@ -25,7 +25,7 @@ step() {
 
 make_base() {
     # What an interrupted run has left is not to be trusted.
-    xelt_as_root rm -rf "$root"
+    xelt_as_root rm -rf --one-file-system "$root"
     mkdir -p "$(dirname "$root")"
     xelt_as_root debootstrap --variant=minbase trixie "$root"
 }
