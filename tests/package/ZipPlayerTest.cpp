@@ -110,6 +110,18 @@ TEST(ZipPlayer, PlaysNv12OnAngle)
     expectPlayed(play("nv12", kFrames, {QStringLiteral("--format"), QStringLiteral("nv12")}), nv12Color);
 }
 
+TEST(ZipPlayer, PlaysPaddedNv12OnAngle)
+{
+    expectPlayed(play("nv12-padded", kFrames, {QStringLiteral("--format"), QStringLiteral("nv12-padded")}),
+                 nv12Color);
+}
+
+TEST(ZipPlayer, PlaysYv12OnTheSubImageRenderer)
+{
+    expectPlayed(play("subimage", kFrames, {QStringLiteral("--renderer"), QStringLiteral("subimage")}),
+                 yv12Color);
+}
+
 TEST(ZipPlayer, PlaysYv12OnDesktopOpenGL)
 {
     expectPlayed(play("desktop", kFrames, {QStringLiteral("--desktop-gl")}), yv12Color);
@@ -123,8 +135,8 @@ TEST(ZipPlayer, PlaysTexturesOrSaysThatItCannot)
         expectPlayed(play("d3d11", kFrames, asOptions), textureColor);
         return;
     }
-    // Those that come before the first paint are not refused; these go on for six seconds.
-    const Shown shown = play("d3d11", 150, asOptions);
+    // Those that come before the first paint are not refused; so many go on until it has come, and end with it.
+    const Shown shown = play("d3d11", 1500, asOptions);
     EXPECT_EQ(shown.result.nStatus, kStatusFailed);
     const QStringList asComplaints = complaints(shown.result);
     EXPECT_EQ(asComplaints.filter(QStringLiteral("xeltplay: ")),
