@@ -23,26 +23,6 @@ void HideExtension(bool blHide) noexcept
     HideExtensionString(blHide);
 }
 
-std::uint64_t CallCount(Call call) noexcept
-{
-    return CallFaults::Instance().Count(call);
-}
-
-void ResetCallCounts() noexcept
-{
-    CallFaults::Instance().ResetCounts();
-}
-
-std::size_t CallsInOrder(Call *pCalls, std::size_t nCapacity) noexcept
-{
-    return CallFaults::Instance().InOrder(pCalls, nCapacity);
-}
-
-bool FailCall(Call call, std::int32_t nError, unsigned nNth, unsigned nTimes) noexcept
-{
-    return CallFaults::Instance().Fail(call, nError, nNth, nTimes);
-}
-
 void ClearFailures() noexcept
 {
     CallFaults::Instance().Clear();

@@ -43,17 +43,14 @@ protected:
         source.pLuma = aBytes.data();
         source.pChroma = aBytes.data() + planes.aY.size();
         source.nPitch = static_cast<UINT>(planes.nWidth);
-        D3D11_VIDEO_PROCESSOR_COLOR_SPACE cs = {};
-        cs.YCbCr_Matrix = blBt601 ? 0 : 1;
-        cs.Nominal_Range =
-            blFull ? D3D11_VIDEO_PROCESSOR_NOMINAL_RANGE_0_255 : D3D11_VIDEO_PROCESSOR_NOMINAL_RANGE_16_235;
         std::vector<uint8_t> aPixels(planes.aY.size() * 4);
         softd3d11::BgraPicture target{};
         target.pRows = aPixels.data();
         target.nPitch = static_cast<UINT>(planes.nWidth) * 4;
         target.nWidth = static_cast<UINT>(planes.nWidth);
         target.nHeight = static_cast<UINT>(planes.nHeight);
-        softd3d11::BlitPicture(source, {0, 0, target.nWidth, target.nHeight}, cs, target);
+        softd3d11::BlitPicture(source, {0, 0, target.nWidth, target.nHeight}, colorSpace(blBt601, blFull),
+                               target);
         return aPixels;
     }
 };

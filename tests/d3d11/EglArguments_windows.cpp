@@ -2,18 +2,15 @@
 // them fail, which are there already when the application object is made.
 #include "EglArguments.h"
 
-#include "ImportTable.h"
+#include "LookupHook.h"
 
 #include <QCoreApplication>
-
-#include <windows.h>
 
 #include <cstdlib>
 #include <cstring>
 
 namespace {
 
-decltype(&GetProcAddress) g_pfnLookup = nullptr;
 xelttest::ChooseConfig g_pfnChooseConfig = nullptr;
 xelttest::CreateSurface g_pfnCreateSurface = nullptr;
 
@@ -29,35 +26,22 @@ EGLSurface EGLAPIENTRY onCreateSurface(EGLDisplay display, EGLenum nType, EGLCli
     return xelttest::noteCreateSurface(g_pfnCreateSurface, display, nType, buffer, config, pAttributes);
 }
 
-template <typename Pfn> FARPROC replace(FARPROC pfnFound, Pfn &pfnReal, Pfn pfnReplacement)
+FARPROC filter(const char *pszName, FARPROC pfnFound)
 {
-    pfnReal = reinterpret_cast<Pfn>(reinterpret_cast<void *>(pfnFound));
-    return reinterpret_cast<FARPROC>(reinterpret_cast<void *>(pfnReplacement));
-}
-
-FARPROC WINAPI onLookup(HMODULE hModule, LPCSTR pszName)
-{
-    const FARPROC pfnFound = g_pfnLookup(hModule, pszName);
-    const bool blIsName = (reinterpret_cast<ULONG_PTR>(pszName) >> 16) != 0;
-    if (pfnFound == nullptr || !blIsName) {
-        return pfnFound;
-    }
     if (std::strcmp(pszName, "eglChooseConfig") == 0) {
-        return replace(pfnFound, g_pfnChooseConfig, &onChooseConfig);
+        return xelttest::replaceFound(pfnFound, g_pfnChooseConfig, &onChooseConfig);
     }
     if (std::strcmp(pszName, "eglCreatePbufferFromClientBuffer") == 0) {
-        return replace(pfnFound, g_pfnCreateSurface, &onCreateSurface);
+        return xelttest::replaceFound(pfnFound, g_pfnCreateSurface, &onCreateSurface);
     }
     return pfnFound;
 }
 
 void install()
 {
-    void *const pBefore = xelttest::replaceImport("", "GetProcAddress", reinterpret_cast<void *>(&onLookup));
-    if (pBefore == nullptr) {
+    if (!xelttest::LookupHook<&filter>::install("")) {
         std::abort();
     }
-    g_pfnLookup = reinterpret_cast<decltype(g_pfnLookup)>(pBefore);
 }
 
 } // namespace

@@ -2,11 +2,9 @@
 // more. It asks with the first context, which comes after the application object.
 #include "GlLookup.h"
 
-#include "ImportTable.h"
+#include "LookupHook.h"
 
 #include <QCoreApplication>
-
-#include <windows.h>
 
 #include <cstdlib>
 #include <cstring>
@@ -17,7 +15,6 @@ using xelttest::GlFunction;
 using xelttest::wrapGl;
 using Lookup = GlFunction(WINAPI *)(const char *);
 
-decltype(&GetProcAddress) g_pfnGetProcAddress = nullptr;
 Lookup g_pfnEglLookup = nullptr;
 Lookup g_pfnWglLookup = nullptr;
 
@@ -31,24 +28,13 @@ GlFunction WINAPI onWglLookup(const char *pszName)
     return wrapGl(pszName, g_pfnWglLookup(pszName));
 }
 
-FARPROC replaceLookup(Lookup &pfnReal, FARPROC pfnFound, Lookup pfnReplacement)
+FARPROC filter(const char *pszName, FARPROC pfnFound)
 {
-    pfnReal = reinterpret_cast<Lookup>(reinterpret_cast<void *>(pfnFound));
-    return reinterpret_cast<FARPROC>(reinterpret_cast<void *>(pfnReplacement));
-}
-
-FARPROC WINAPI onGetProcAddress(HMODULE hModule, LPCSTR pszName)
-{
-    const FARPROC pfnFound = g_pfnGetProcAddress(hModule, pszName);
-    const bool blIsName = (reinterpret_cast<ULONG_PTR>(pszName) >> 16) != 0;
-    if (pfnFound == nullptr || !blIsName) {
-        return pfnFound;
-    }
     if (std::strcmp(pszName, "eglGetProcAddress") == 0) {
-        return replaceLookup(g_pfnEglLookup, pfnFound, &onEglLookup);
+        return xelttest::replaceFound(pfnFound, g_pfnEglLookup, &onEglLookup);
     }
     if (std::strcmp(pszName, "wglGetProcAddress") == 0) {
-        return replaceLookup(g_pfnWglLookup, pfnFound, &onWglLookup);
+        return xelttest::replaceFound(pfnFound, g_pfnWglLookup, &onWglLookup);
     }
     return reinterpret_cast<FARPROC>(
         wrapGl(pszName, reinterpret_cast<GlFunction>(reinterpret_cast<void *>(pfnFound))));
@@ -56,12 +42,9 @@ FARPROC WINAPI onGetProcAddress(HMODULE hModule, LPCSTR pszName)
 
 void install()
 {
-    void *const pBefore = xelttest::replaceImport("qwindows.dll", "GetProcAddress",
-                                                  reinterpret_cast<void *>(&onGetProcAddress));
-    if (pBefore == nullptr) {
+    if (!xelttest::LookupHook<&filter>::install("qwindows.dll")) {
         std::abort();
     }
-    g_pfnGetProcAddress = reinterpret_cast<decltype(g_pfnGetProcAddress)>(pBefore);
 }
 
 } // namespace

@@ -16,6 +16,16 @@ struct ProcessorHabits
 };
 const ProcessorHabits &processorHabits();
 
+// What the processor is told of a frame in BT.601 or else BT.709, in full or else limited range.
+inline D3D11_VIDEO_PROCESSOR_COLOR_SPACE colorSpace(bool blBt601, bool blFull)
+{
+    D3D11_VIDEO_PROCESSOR_COLOR_SPACE cs = {};
+    cs.YCbCr_Matrix = blBt601 ? 0 : 1;
+    cs.Nominal_Range =
+        blFull ? D3D11_VIDEO_PROCESSOR_NOMINAL_RANGE_0_255 : D3D11_VIDEO_PROCESSOR_NOMINAL_RANGE_16_235;
+    return cs;
+}
+
 // Rows of B, G, R, A as the processor converts the frame, or that part of a slice, in limited range and BT.709 or
 // else BT.601. Empty for the software device, which keeps to the definitions. Its calls are not counted.
 std::vector<uint8_t> convertedFrame(const Planes &planes, bool blBt601 = false);

@@ -61,15 +61,6 @@ std::vector<uint8_t> convert(const DecoderTextures &textures, UINT nSlice, const
     return readTarget(device, *target.Get());
 }
 
-D3D11_VIDEO_PROCESSOR_COLOR_SPACE colorSpace(bool blBt601, bool blFull)
-{
-    D3D11_VIDEO_PROCESSOR_COLOR_SPACE cs = {};
-    cs.YCbCr_Matrix = blBt601 ? 0 : 1;
-    cs.Nominal_Range =
-        blFull ? D3D11_VIDEO_PROCESSOR_NOMINAL_RANGE_0_255 : D3D11_VIDEO_PROCESSOR_NOMINAL_RANGE_16_235;
-    return cs;
-}
-
 // Red of a frame of one colour.
 int redOf(DecoderTextures &textures, uint8_t nV, bool blFull)
 {

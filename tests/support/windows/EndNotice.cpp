@@ -1,6 +1,7 @@
 #include "windows/EndNotice.h"
 
-#include <atomic>
+#include "windows/CountedObject.h"
+
 #include <cstdlib>
 #include <utility>
 
@@ -9,11 +10,11 @@ namespace xelttest {
 namespace {
 
 // Private data of the object, whose only reference goes with it.
-class EndNotice final : public IUnknown
+class EndNotice final : public CountedObject<IUnknown>
 {
 public:
     explicit EndNotice(std::function<void()> action) : m_action(std::move(action)) {}
-    ~EndNotice() { m_action(); }
+    ~EndNotice() override { m_action(); }
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void **ppObject) override
     {
@@ -25,19 +26,9 @@ public:
         *ppObject = this;
         return S_OK;
     }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++m_nReferences; }
-    ULONG STDMETHODCALLTYPE Release() override
-    {
-        const ULONG nLeft = --m_nReferences;
-        if (nLeft == 0) {
-            delete this;
-        }
-        return nLeft;
-    }
 
 private:
     std::function<void()> m_action;
-    std::atomic<ULONG> m_nReferences{1};
 };
 
 constexpr GUID k_aNotices[] = {

@@ -1,11 +1,11 @@
 #include "windows/HostDevice.h"
 
 #include "windows/CountedDevice.h"
+#include "windows/CountedObject.h"
 
 #include "d3d11/ComPtr.h"
 #include "softd3d11/Instrumentation.h"
 
-#include <atomic>
 #include <utility>
 
 namespace xelttest {
@@ -128,7 +128,7 @@ private:
     ComPtr<ID3D11VideoDevice> m_real;
 };
 
-class HostDevice final : public ID3D11Device
+class HostDevice final : public CountedObject<ID3D11Device>
 {
 public:
     HostDevice(ID3D11Device &real, ComPtr<ID3D11VideoDevice> video)
@@ -136,7 +136,7 @@ public:
     {
         softd3d11::live::AddDevice(this);
     }
-    ~HostDevice() { softd3d11::live::RemoveDevice(this); }
+    ~HostDevice() override { softd3d11::live::RemoveDevice(this); }
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void **ppObject) override
     {
@@ -152,15 +152,6 @@ public:
             AddRef();
         }
         return hr;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++m_nReferences; }
-    ULONG STDMETHODCALLTYPE Release() override
-    {
-        const ULONG nLeft = --m_nReferences;
-        if (nLeft == 0) {
-            delete this;
-        }
-        return nLeft;
     }
 
     HRESULT STDMETHODCALLTYPE CreateBuffer(const D3D11_BUFFER_DESC *pDesc,
@@ -366,7 +357,6 @@ public:
     UINT STDMETHODCALLTYPE GetExceptionMode() override { return m_real->GetExceptionMode(); }
 
 private:
-    std::atomic<ULONG> m_nReferences{1};
     ComPtr<ID3D11Device> m_real;
     HostVideoDevice m_video;
 };

@@ -1,14 +1,12 @@
 // softd3d11/SoftEgl.h on ANGLE: the library under test looks its EGL functions up by name, and is given these,
 // which count, fail on demand, and otherwise pass the call on.
 #include "windows/WatchedEgl.h"
-#include "ImportTable.h"
+#include "LookupHook.h"
 #include "windows/AngleDevice.h"
 
 #include "softd3d11/SoftEgl.h"
 #include "softd3d11/egl/CallFaults.h"
 #include "softd3d11/egl/WatchedCode.h"
-
-#include <windows.h>
 
 #include <atomic>
 #include <cstring>
@@ -171,51 +169,30 @@ EGLBoolean EGLAPIENTRY onReleaseTexImage(EGLDisplay display, EGLSurface surface,
     return blDone;
 }
 
-template <typename Pfn> FARPROC replace(FARPROC pfnFound, Pfn &pfnReal, Pfn pfnWatched)
+FARPROC watched(const char *pszName, FARPROC pfnFound)
 {
-    pfnReal = reinterpret_cast<Pfn>(reinterpret_cast<void *>(pfnFound));
-    return reinterpret_cast<FARPROC>(reinterpret_cast<void *>(pfnWatched));
-}
-
-FARPROC watched(const std::string &sName, FARPROC pfnFound)
-{
+    using xelttest::replaceFound;
+    const std::string sName = pszName;
     // clang-format off
-    if (sName == "eglBindAPI") return replace(pfnFound, g_real.pfnBindApi, &onBindApi);
-    if (sName == "eglGetError") return replace(pfnFound, g_real.pfnGetError, &onGetError);
-    if (sName == "eglGetCurrentDisplay") return replace(pfnFound, g_real.pfnGetCurrentDisplay, &onGetCurrentDisplay);
-    if (sName == "eglReleaseThread") return replace(pfnFound, g_real.pfnReleaseThread, &onReleaseThread);
-    if (sName == "eglMakeCurrent") return replace(pfnFound, g_real.pfnMakeCurrent, &onMakeCurrent);
-    if (sName == "eglQueryString") return replace(pfnFound, g_real.pfnQueryString, &onQueryString);
-    if (sName == "eglChooseConfig") return replace(pfnFound, g_real.pfnChooseConfig, &onChooseConfig);
-    if (sName == "eglCreatePbufferFromClientBuffer") return replace(pfnFound, g_real.pfnCreate, &onCreate);
-    if (sName == "eglDestroySurface") return replace(pfnFound, g_real.pfnDestroySurface, &onDestroySurface);
-    if (sName == "eglBindTexImage") return replace(pfnFound, g_real.pfnBindTexImage, &onBindTexImage);
-    if (sName == "eglReleaseTexImage") return replace(pfnFound, g_real.pfnReleaseTexImage, &onReleaseTexImage);
+    if (sName == "eglBindAPI") return replaceFound(pfnFound, g_real.pfnBindApi, &onBindApi);
+    if (sName == "eglGetError") return replaceFound(pfnFound, g_real.pfnGetError, &onGetError);
+    if (sName == "eglGetCurrentDisplay") return replaceFound(pfnFound, g_real.pfnGetCurrentDisplay, &onGetCurrentDisplay);
+    if (sName == "eglReleaseThread") return replaceFound(pfnFound, g_real.pfnReleaseThread, &onReleaseThread);
+    if (sName == "eglMakeCurrent") return replaceFound(pfnFound, g_real.pfnMakeCurrent, &onMakeCurrent);
+    if (sName == "eglQueryString") return replaceFound(pfnFound, g_real.pfnQueryString, &onQueryString);
+    if (sName == "eglChooseConfig") return replaceFound(pfnFound, g_real.pfnChooseConfig, &onChooseConfig);
+    if (sName == "eglCreatePbufferFromClientBuffer") return replaceFound(pfnFound, g_real.pfnCreate, &onCreate);
+    if (sName == "eglDestroySurface") return replaceFound(pfnFound, g_real.pfnDestroySurface, &onDestroySurface);
+    if (sName == "eglBindTexImage") return replaceFound(pfnFound, g_real.pfnBindTexImage, &onBindTexImage);
+    if (sName == "eglReleaseTexImage") return replaceFound(pfnFound, g_real.pfnReleaseTexImage, &onReleaseTexImage);
     // clang-format on
     return pfnFound;
 }
 
-decltype(&GetProcAddress) g_pfnLookup = nullptr;
-
-FARPROC WINAPI onLookup(HMODULE hModule, LPCSTR pszName)
-{
-    const FARPROC pfnFound = g_pfnLookup(hModule, pszName);
-    const bool blIsName = (reinterpret_cast<ULONG_PTR>(pszName) >> 16) != 0;
-    return pfnFound != nullptr && blIsName ? watched(pszName, pfnFound) : pfnFound;
-}
-
 // Before the library looks its first name up. In a test that holds the library's objects itself, the program
 // is the module that does.
-const bool s_blInstalled = [] {
-    const char *pszModule = GetModuleHandleA("XeltRender.dll") != nullptr ? "XeltRender.dll" : "";
-    g_pfnLookup = &GetProcAddress;
-    void *const pBefore =
-        xelttest::replaceImport(pszModule, "GetProcAddress", reinterpret_cast<void *>(&onLookup));
-    if (pBefore != nullptr) {
-        g_pfnLookup = reinterpret_cast<decltype(g_pfnLookup)>(pBefore);
-    }
-    return pBefore != nullptr;
-}();
+const bool s_blInstalled = xelttest::LookupHook<&watched>::install(
+    GetModuleHandleA("XeltRender.dll") != nullptr ? "XeltRender.dll" : "");
 
 } // namespace
 
@@ -232,26 +209,6 @@ bool Active() noexcept
 void HideExtension(bool blHide) noexcept
 {
     g_blHidden = blHide;
-}
-
-std::uint64_t CallCount(Call call) noexcept
-{
-    return CallFaults::Instance().Count(call);
-}
-
-void ResetCallCounts() noexcept
-{
-    CallFaults::Instance().ResetCounts();
-}
-
-std::size_t CallsInOrder(Call *pCalls, std::size_t nCapacity) noexcept
-{
-    return CallFaults::Instance().InOrder(pCalls, nCapacity);
-}
-
-bool FailCall(Call call, std::int32_t nError, unsigned nNth, unsigned nTimes) noexcept
-{
-    return CallFaults::Instance().Fail(call, nError, nNth, nTimes);
 }
 
 void ClearFailures() noexcept
