@@ -86,7 +86,7 @@ xelt_chroot --net '
     mount --bind "$slot/run" "$root/run"
     # The screen of the desktop that Wine makes has a refresh rate; the one of Xvfb has none, and windows that
     # Direct3D presents need one. Without a debugger a program that crashes ends.
-    xelt_in WINEPREFIX=/prefix WINEDEBUG=-all WINEDLLOVERRIDES="d3d11,dxgi=n;winedbg.exe=d" WINEDLLPATH=/usr/lib/dxvk/wine64 \
+    xelt_in WINEPREFIX=/prefix WINEDEBUG=-all WINEDLLOVERRIDES="d3d11,dxgi=n;winedbg.exe=d" \
         DXVK_LOG_LEVEL=none $threads xvfb-run -a -s "-screen 0 2048x1536x24" \
         wine explorer /desktop=xelt,2048x1536 cmd /c "Z:\\run\\run.bat"
 ' "$slot" "${LP_NUM_THREADS:+LP_NUM_THREADS=$LP_NUM_THREADS}" "$qt" "$source" "$build" > "$slot/run/wine.txt" 2>&1 &

@@ -22,6 +22,11 @@ std::string comparablePath(std::string sPath);
 // Whether the code is this program's or the library's under test.
 bool isOurCode(const void *pCode);
 
+// Lets a fault end the program with a line that says where it was, whatever is being called at the time: a window's
+// procedure may be left by one, and the program goes on with whatever it had locked or half changed, where the system
+// permits that.
+void endOnFaults();
+
 // Takes the console's window off the screen, where it might lie over those of the tests, if there is one and the
 // environment says XELT_TEST_HIDE_CONSOLE.
 void hideConsole();

@@ -62,6 +62,9 @@ bool isOurCode(const void *pCode)
            (code.dli_fbase == program.dli_fbase || std::strstr(code.dli_fname, "libXeltRender") != nullptr);
 }
 
+// The system does so by itself, and a sanitizer says more.
+void endOnFaults() {}
+
 void hideConsole() {}
 
 void *allocateGuarded(size_t nSize, size_t &nUsable)

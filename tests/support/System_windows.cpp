@@ -7,6 +7,7 @@
 #include <psapi.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <new>
 
@@ -31,7 +32,38 @@ HMODULE moduleOf(const void *pAddress)
     return hModule;
 }
 
+// Runs before every other handler, on the thread and the stack of the fault.
+LONG CALLBACK endProgram(EXCEPTION_POINTERS *pPointers)
+{
+    const EXCEPTION_RECORD &record = *pPointers->ExceptionRecord;
+    switch (record.ExceptionCode) {
+    case EXCEPTION_ACCESS_VIOLATION:
+    case EXCEPTION_ILLEGAL_INSTRUCTION:
+    case EXCEPTION_INT_DIVIDE_BY_ZERO:
+    case EXCEPTION_PRIV_INSTRUCTION:
+    case EXCEPTION_STACK_OVERFLOW:
+        break;
+    default: // C++ exceptions, messages to debuggers and the like
+        return EXCEPTION_CONTINUE_SEARCH;
+    }
+    const HMODULE hModule = moduleOf(record.ExceptionAddress);
+    char aPath[MAX_PATH] = "code of no module";
+    if (hModule != nullptr) {
+        GetModuleFileNameA(hModule, aPath, sizeof aPath);
+    }
+    std::fprintf(stderr, "Fault %08lx at %s+%zx\n", record.ExceptionCode, aPath,
+                 static_cast<size_t>(static_cast<const char *>(record.ExceptionAddress) -
+                                     reinterpret_cast<const char *>(hModule)));
+    TerminateProcess(GetCurrentProcess(), 1);
+    return EXCEPTION_CONTINUE_SEARCH;
+}
+
 } // namespace
+
+void endOnFaults()
+{
+    AddVectoredExceptionHandler(1, endProgram);
+}
 
 std::string executableFolder()
 {

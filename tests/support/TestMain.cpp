@@ -21,6 +21,7 @@ int fail(const char *pWhat)
 
 int main(int argc, char *argv[])
 {
+    xelttest::endOnFaults();
     testing::InitGoogleMock(&argc, argv);
     xelttest::hideConsole();
     const xelttest::GlFlavour flavour = xelttest::glFlavour();
