@@ -6,8 +6,8 @@
 #include "d3d11/GeometryRenderer.h"
 #include "interface/XeltRender.h"
 #include "log/CLS_OmbrixApi.h"
+#include "log/QtMessages.h"
 
-#include <QDebug>
 #include <QOpenGLContext>
 #include <algorithm>
 #include <cstring>
@@ -32,7 +32,7 @@ CLS_D3D11EGL::CLS_D3D11EGL() : m_nColorSpace(dx::kColorSpaceBt709), m_nColorRang
 CLS_D3D11EGL::~CLS_D3D11EGL()
 {
     Q_ASSERT(m_eglSurface == EGL_NO_SURFACE);
-    qDebug("[CLS_D3D11EGL::~CLS_D3D11EGL]Success!");
+    qtlog::Debug("[CLS_D3D11EGL::~CLS_D3D11EGL]Success!");
 }
 
 int32_t CLS_D3D11EGL::SetDevice(void *pDevice)

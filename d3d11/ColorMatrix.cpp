@@ -1,7 +1,8 @@
 #include "d3d11/ColorMatrix.h"
 
+#include "log/QtMessages.h"
+
 #include <QDebug>
-#include <QMessageLogger>
 #include <cmath>
 
 namespace {
@@ -75,6 +76,8 @@ void ColorMatrix::updateColorMatrix()
     m_blValid = false;
     m_matrix = brightnessMatrix(m_dBrightness) * contrastMatrix(m_dContrast) *
                saturationMatrix(m_dSaturation) * hueMatrix(m_dHue);
-    QMessageLogger().debug().nospace() << "color mat: " << m_matrix;
+    QString sMatrix;
+    QDebug(&sMatrix).nospace() << m_matrix;
+    qtlog::Debug("color mat: %s", qUtf8Printable(sMatrix));
     m_blValid = true;
 }

@@ -5,9 +5,9 @@
 #include "d3d11/D3D11VP.h"
 #include "d3d11/D3DWarning.h"
 #include "log/CLS_OmbrixApi.h"
+#include "log/QtMessages.h"
 
 #include <QByteArray>
-#include <QDebug>
 #include <QList>
 #include <QOpenGLContext>
 #include <QOpenGLFunctions>
@@ -34,8 +34,8 @@ void WarnOfEglError(const char *pszCall)
     const EGLint nError = egl::GetError();
     // An error is no name that EGL has a string for; it is asked all the same, deliberately.
     const char *pszText = EglString(egl::GetCurrentDisplay(), nError);
-    qWarning("EGL error@%d<<%s. %s: %#x %s", nError, pszText, pszCall, static_cast<unsigned>(nError),
-             pszText);
+    qtlog::Warning("EGL error@%d<<%s. %s: %#x %s", nError, pszText, pszCall, static_cast<unsigned>(nError),
+                   pszText);
 }
 
 D3D11_TEXTURE2D_DESC OutputDesc(int32_t nWidth, int32_t nHeight)
@@ -173,7 +173,7 @@ int32_t CLS_D3D11EGL::Map()
     m_blConvertAgain = false;
     if (!Convert()) {
         m_blMapped = false;
-        qDebug("Map fail");
+        qtlog::Debug("Map fail");
         m_pTexture.Reset();
         return -1;
     }

@@ -2,8 +2,8 @@
 
 #include "d3d11/D3DWarning.h"
 #include "log/CLS_OmbrixApi.h"
+#include "log/QtMessages.h"
 
-#include <QDebug>
 #include <utility>
 
 namespace dx {
@@ -77,7 +77,7 @@ bool D3D11VP::checkFormat(uint32_t nFormat) const
         return false;
     }
     if ((nFlags & D3D11_VIDEO_PROCESSOR_FORMAT_SUPPORT_INPUT) == 0) {
-        qWarning("unsupported input format for d3d11 video processor: %d", static_cast<int>(nFormat));
+        qtlog::Warning("unsupported input format for d3d11 video processor: %d", static_cast<int>(nFormat));
         return false;
     }
     return true;

@@ -1,6 +1,7 @@
 #include "d3d11/D3DWarning.h"
 
-#include <QDebug>
+#include "log/QtMessages.h"
+
 #include <QString>
 
 namespace d3d {
@@ -15,7 +16,7 @@ bool Failed(HRESULT hr, const char *pszTemplate, int nNumber)
                               .arg(nNumber)
                               .arg(static_cast<long>(hr), 0, 16, QLatin1Char(' '))
                               .arg(qt_error_string(hr));
-    qWarning("%s", qUtf8Printable(sText));
+    qtlog::Warning("%s", qUtf8Printable(sText));
     return true;
 }
 

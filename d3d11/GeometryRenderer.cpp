@@ -1,6 +1,7 @@
 #include "d3d11/GeometryRenderer.h"
 
-#include <QMessageLogger>
+#include "log/QtMessages.h"
+
 #include <QOpenGLContext>
 #include <QOpenGLFunctions>
 #include <atomic>
@@ -67,9 +68,9 @@ void GeometryRenderer::updateGeometry(std::unique_ptr<Geometry> pGeometry)
 void GeometryRenderer::updateIndexBuffer()
 {
     if ((m_nFeatures & UseIndexBuffer) != 0 && !m_ibo.isCreated() && m_pGeometry->indexCount >= 1) {
-        QMessageLogger().debug("creating IBO...");
+        qtlog::Debug("creating IBO...");
         if (!m_ibo.create()) {
-            QMessageLogger().debug("IBO create error");
+            qtlog::Debug("IBO create error");
         }
     }
     if (!m_ibo.isCreated()) {
@@ -90,9 +91,9 @@ void GeometryRenderer::updateIndexBuffer()
 void GeometryRenderer::updateVertexBuffer()
 {
     if ((m_nFeatures & UseVertexBuffer) != 0 && !m_vbo.isCreated()) {
-        QMessageLogger().debug("creating VBO...");
+        qtlog::Debug("creating VBO...");
         if (!m_vbo.create()) {
-            QMessageLogger().warning("VBO create error");
+            qtlog::Warning("VBO create error");
         }
     }
     if (!m_vbo.isCreated()) {
@@ -136,18 +137,18 @@ void GeometryRenderer::updateLayout()
     m_nLastStride = m_pGeometry->stride();
     m_vecLastAttributes = m_pGeometry->attributes();
     if ((m_nFeatures & UseVertexArray) != 0 && !hasVao()) {
-        QMessageLogger().debug("creating VAO...");
+        qtlog::Debug("creating VAO...");
         m_pVao = std::make_unique<QOpenGLVertexArrayObject>();
         if (!m_pVao->create()) {
-            QMessageLogger().debug("VAO create error");
+            qtlog::Debug("VAO create error");
         }
     }
-    QMessageLogger().debug("vao updated");
+    qtlog::Debug("vao updated");
     if (!hasVao()) {
         return;
     }
     m_pVao->bind();
-    QMessageLogger().debug("geometry attributes changed, rebind vao...");
+    qtlog::Debug("geometry attributes changed, rebind vao...");
     if (m_vbo.isCreated()) {
         m_vbo.bind();
         setAttributePointers(*QOpenGLContext::currentContext()->functions(), nullptr);
@@ -160,7 +161,7 @@ void GeometryRenderer::updateLayout()
     if (m_ibo.isCreated()) {
         m_ibo.release();
     }
-    QMessageLogger().debug("geometry updated");
+    qtlog::Debug("geometry updated");
 }
 
 void GeometryRenderer::setAttributePointers(QOpenGLFunctions &gl, const char *pBase) const

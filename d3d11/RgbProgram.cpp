@@ -2,8 +2,8 @@
 
 #include "d3d11/ColorMatrix.h"
 #include "log/CLS_OmbrixApi.h"
+#include "log/QtMessages.h"
 
-#include <QMessageLogger>
 #include <QOpenGLContext>
 #include <QOpenGLFunctions>
 
@@ -94,30 +94,30 @@ void RgbProgram::LookUpUniforms()
 void RgbProgram::LookUpSamplers()
 {
     m_vecSamplers.resize(kTextureCount);
-    QMessageLogger().debug("uniform locations:");
+    qtlog::Debug("uniform locations:");
     for (int i = 0; i < m_vecSamplers.size(); ++i) {
         const QString sName = QStringLiteral("u_Texture%1").arg(i);
         m_vecSamplers[i] = m_pProgram->uniformLocation(sName);
-        QMessageLogger().debug("%s: %d", qPrintable(sName), m_vecSamplers.at(i));
+        qtlog::Debug("%s: %d", qPrintable(sName), m_vecSamplers.at(i));
     }
 }
 
 void RgbProgram::LogLocations() const
 {
-    QMessageLogger().debug("u_Matrix: %d", m_locations.nMatrix);
-    QMessageLogger().debug("u_colorMatrix: %d", m_locations.nColorMatrix);
-    QMessageLogger().debug("u_opacity: %d", m_locations.nOpacity);
+    qtlog::Debug("u_Matrix: %d", m_locations.nMatrix);
+    qtlog::Debug("u_colorMatrix: %d", m_locations.nColorMatrix);
+    qtlog::Debug("u_opacity: %d", m_locations.nOpacity);
     if (m_locations.nChannels >= 0) {
-        QMessageLogger().debug("u_c: %d", m_locations.nChannels);
+        qtlog::Debug("u_c: %d", m_locations.nChannels);
     }
     if (m_locations.nTo8 >= 0) {
-        QMessageLogger().debug("u_to8: %d", m_locations.nTo8);
+        qtlog::Debug("u_to8: %d", m_locations.nTo8);
     }
     if (m_locations.nTexelSize >= 0) {
-        QMessageLogger().debug("u_texelSize: %d", m_locations.nTexelSize);
+        qtlog::Debug("u_texelSize: %d", m_locations.nTexelSize);
     }
     if (m_locations.nTextureSize >= 0) {
-        QMessageLogger().debug("u_textureSize: %d", m_locations.nTextureSize);
+        qtlog::Debug("u_textureSize: %d", m_locations.nTextureSize);
     }
 }
 
