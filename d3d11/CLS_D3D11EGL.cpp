@@ -1,20 +1,23 @@
-// Life cycle of CLS_D3D11EGL. Surface and conversion are in D3D11EGLSurface.cpp, drawing in
-// D3D11EGLPainting.cpp.
+// Life cycle of CLS_D3D11EGL, and all that it reports: an error record names this file, so its line has to be one
+// of this file. What the host hands in is in D3D11EGLFrames.cpp, the steps of surface and conversion are in
+// D3D11EGLSurface.cpp, drawing is in D3D11EGLPainting.cpp.
 #include "d3d11/CLS_D3D11EGL.h"
 
 #include "d3d11/D3D11VP.h"
 #include "d3d11/GeometryRenderer.h"
-#include "interface/XeltRender.h"
 #include "log/CLS_OmbrixApi.h"
 #include "log/QtMessages.h"
 
 #include <QOpenGLContext>
-#include <algorithm>
-#include <cstring>
 
 namespace {
 
 constexpr char kFile[] = "CLS_D3D11EGL";
+constexpr char kEnsureSurface[] = "CLS_D3D11EGL::EnsureSurface";
+constexpr char kMap[] = "CLS_D3D11EGL::Map";
+
+// The bound texture after a conversion failed: equal to no name.
+constexpr uint32_t kBindAgain = static_cast<uint32_t>(-1);
 
 // EGL was told to let go of the thread's context behind Qt's back; Qt still counts on it.
 void MakeQtContextCurrentAgain()
@@ -35,89 +38,6 @@ CLS_D3D11EGL::~CLS_D3D11EGL()
     qtlog::Debug("[CLS_D3D11EGL::~CLS_D3D11EGL]Success!");
 }
 
-int32_t CLS_D3D11EGL::SetDevice(void *pDevice)
-{
-    auto *pD3DDevice = static_cast<ID3D11Device *>(pDevice);
-    if (pD3DDevice == nullptr) {
-        return -1;
-    }
-    if (m_pD3DDevice && m_pD3DDevice.Get() != pD3DDevice) {
-        m_pTexture.Reset();
-        m_blDeviceChanged = true; // the rest is the painting thread's
-    }
-    m_pD3DDevice = ComPtr<ID3D11Device>(pD3DDevice);
-    XELT_LOG("CLS_D3D11EGL::SetDevice this = %p m_pD3DDevice = %p", static_cast<void *>(this),
-             static_cast<void *>(m_pD3DDevice.Get()));
-    return 0;
-}
-
-void *CLS_D3D11EGL::Device() const
-{
-    return m_pD3DDevice.Get();
-}
-
-int32_t CLS_D3D11EGL::SetFrame(const void *pData, int32_t nLength)
-{
-    if (pData == nullptr || nLength < 1) {
-        return -1;
-    }
-    VideoFrameDesc frame = {};
-    std::memcpy(&frame, pData, std::min(static_cast<size_t>(nLength), sizeof(frame)));
-    m_nFrameWidth = frame.iWidth;
-    m_nFrameHeight = frame.iHeight;
-    auto *pTexture = static_cast<ID3D11Texture2D *>(frame.pD3D11Texture);
-    if (pTexture == nullptr) {
-        return -1; // the old texture stays
-    }
-    m_pTexture = ComPtr<ID3D11Texture2D>(pTexture);
-    m_nSlice = frame.nTextureSlice;
-    m_blFramePending = true;
-    return -1; // deliberate: nobody looks at it
-}
-
-void CLS_D3D11EGL::ClearFramePending()
-{
-    m_blFramePending = false;
-}
-
-void CLS_D3D11EGL::SetHue(double dHue)
-{
-    m_colorMatrix.setHue(dHue);
-}
-
-void CLS_D3D11EGL::SetSaturation(double dSaturation)
-{
-    m_colorMatrix.setSaturation(dSaturation);
-}
-
-void CLS_D3D11EGL::SetContrast(double dContrast)
-{
-    m_colorMatrix.setContrast(dContrast);
-}
-
-void CLS_D3D11EGL::SetBrightness(double dBrightness)
-{
-    m_colorMatrix.setBrightness(dBrightness);
-}
-
-void CLS_D3D11EGL::SetColorSpace(int32_t nColorSpace)
-{
-    m_nColorSpace = nColorSpace;
-    m_colorMatrix.invalidate();
-    if (m_pD3Dvp != nullptr) {
-        m_pD3Dvp->setColorSpace(nColorSpace);
-    }
-}
-
-void CLS_D3D11EGL::SetColorRange(int32_t nColorRange)
-{
-    m_nColorRange = nColorRange;
-    m_colorMatrix.invalidate();
-    if (m_pD3Dvp != nullptr) {
-        m_pD3Dvp->setColorRange(nColorRange);
-    }
-}
-
 int32_t CLS_D3D11EGL::InitD3D11EGL()
 {
     if (platform::egl::BindApi(EGL_OPENGL_ES_API) == EGL_FALSE) {
@@ -127,27 +47,93 @@ int32_t CLS_D3D11EGL::InitD3D11EGL()
     }
     // Said after a failure too, deliberately.
     XELT_LOG("[CLS_EglOpenGlEs::BindGlApi]eglBindAPI:EGL_OPENGL_ES_API Success!");
-    if (m_program.CreateGlslResource() != 0) {
+    if (m_program.CreateGlslResource(XELT_POSITION(kFile, "CLS_D3D11EGL::CreateGlslResource")) != 0) {
         return -1;
     }
-    m_program.BindEglTextures(m_nFrameWidth, m_nFrameHeight);
+    m_program.BindEglTextures(XELT_POSITION(kFile, "CLS_D3D11EGL::BindEglTextures"), m_nFrameWidth,
+                              m_nFrameHeight);
     m_blMapped = false; // the new texture shows nothing yet
     return 0;
 }
 
-int32_t CLS_D3D11EGL::DrawFlagLocation() const
+bool CLS_D3D11EGL::EnsureSurface(int32_t nWidth, int32_t nHeight)
 {
-    return m_program.Locations().nDrawFlag;
+    if (m_eglSurface != EGL_NO_SURFACE && m_szSurface == QSize(nWidth, nHeight)) {
+        return true;
+    }
+    if (!m_pD3DDevice) {
+        XELT_REPORT_ERROR(kFile, kEnsureSurface,
+                          "[CLS_D3D11EGL::EnsureSurface] NULL == m_pD3DDevice,this = %p",
+                          static_cast<void *>(this));
+        return false;
+    }
+    if (!EnsureDisplay()) {
+        XELT_REPORT_ERROR(kFile, kEnsureSurface,
+                          "[CLS_EGLBase::CreateEglResource]nullptr == m_eglDisplay! eglErr=%d",
+                          platform::egl::GetError());
+        return false;
+    }
+    if (!HasShareHandles()) {
+        XELT_REPORT_ERROR(kFile, kEnsureSurface,
+                          "EGL extension 'ANGLE_d3d_share_handle_client_buffer' is required!");
+        return false;
+    }
+    EGLConfig config = nullptr;
+    if (!ChooseConfig(config)) {
+        XELT_REPORT_ERROR(kFile, kEnsureSurface, "Failed to create EGL configuration, eglErr=%d",
+                          platform::egl::GetError());
+        return false;
+    }
+    HANDLE hShare = nullptr;
+    if (!CreateOutputTexture(nWidth, nHeight, hShare)) {
+        return false;
+    }
+    EnsureProcessor();
+    ReleaseEGL();
+    return CreateSurface(config, hShare, nWidth, nHeight);
 }
 
-int32_t CLS_D3D11EGL::DrawColorLocation() const
+int32_t CLS_D3D11EGL::Map()
 {
-    return m_program.Locations().nDrawColor;
+    if (!m_blFramePending && !m_blConvertAgain) {
+        return 0;
+    }
+    m_blConvertAgain = false;
+    if (!Convert()) {
+        m_blMapped = false;
+        qtlog::Debug("Map fail");
+        m_pTexture.Reset();
+        return -1;
+    }
+    BindSurface();
+    m_blMapped = true;
+    return 0;
 }
 
-int32_t CLS_D3D11EGL::DrawAlphaLocation() const
+bool CLS_D3D11EGL::Convert()
 {
-    return m_program.Locations().nDrawAlpha;
+    if (!m_pTexture) {
+        // Render does not come here without one.
+        XELT_REPORT_ERROR(kFile, kMap, "[CLS_D3D11EGL::Map] nullptr == surface fail!");
+        return false;
+    }
+    DropOldDevice();
+    if (!EnsureSurface(m_nFrameWidth, m_nFrameHeight)) {
+        ReleaseEGL();
+        XELT_REPORT_ERROR(kFile, kMap, "[CLS_D3D11EGL::Map] EnsureSurface fail!");
+        return false;
+    }
+    m_pD3Dvp->setSourceRect(QRect(0, 0, m_nFrameWidth, m_nFrameHeight));
+    if (!m_pD3Dvp->process(m_pTexture.Get(), m_nSlice)) {
+        XELT_REPORT_ERROR(kFile, kMap, "[CLS_D3D11EGL::Map] m_pD3Dvp->process fail!");
+        ReleaseEGL();
+        m_pD3Dvp.reset();
+        if (m_nBoundTexture != 0) {
+            m_nBoundTexture = kBindAgain;
+        }
+        return false;
+    }
+    return true;
 }
 
 void CLS_D3D11EGL::ReleaseEGL()
@@ -163,15 +149,6 @@ void CLS_D3D11EGL::ReleaseEGL()
     }
     m_eglSurface = EGL_NO_SURFACE;
     m_blSurfaceBound = false;
-}
-
-void CLS_D3D11EGL::ReleaseHostObjects()
-{
-    m_pTexture.Reset();
-    m_pD3Dvp.reset();
-    m_pd3dtex.Reset();
-    m_pD3DDevice.Reset();
-    m_blDeviceChanged = false;
 }
 
 bool CLS_D3D11EGL::HoldsContextObjects() const

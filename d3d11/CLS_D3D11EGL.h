@@ -79,16 +79,17 @@ public:
     virtual void ReleaseContextObjects();
 
 private:
-    // Surface and conversion: D3D11EGLSurface.cpp.
     bool EnsureSurface(int32_t nWidth, int32_t nHeight);
+    int32_t Map();
+    bool Convert();
+
+    // Steps of these: D3D11EGLSurface.cpp. None writes an error record; EGL still has the error of what fails.
     bool EnsureDisplay();
     bool HasShareHandles() const;
     bool ChooseConfig(EGLConfig &config) const;
     bool CreateOutputTexture(int32_t nWidth, int32_t nHeight, HANDLE &hShare);
     void EnsureProcessor();
     bool CreateSurface(EGLConfig config, HANDLE hShare, int32_t nWidth, int32_t nHeight);
-    int32_t Map();
-    bool Convert();
     void BindSurface();
     void DropOldDevice();
 

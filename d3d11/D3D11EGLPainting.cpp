@@ -19,6 +19,21 @@ bool SameRect(const geometry::NormRect &a, const geometry::NormRect &b)
 
 } // namespace
 
+int32_t CLS_D3D11EGL::DrawFlagLocation() const
+{
+    return m_program.Locations().nDrawFlag;
+}
+
+int32_t CLS_D3D11EGL::DrawColorLocation() const
+{
+    return m_program.Locations().nDrawColor;
+}
+
+int32_t CLS_D3D11EGL::DrawAlphaLocation() const
+{
+    return m_program.Locations().nDrawAlpha;
+}
+
 bool CLS_D3D11EGL::BindProgram()
 {
     if (!m_program.Bind()) {

@@ -1,5 +1,5 @@
-// The surface that connects Direct3D 11 with OpenGL ES, and the conversion into it. Painting thread, the
-// widget's context current, the renderer's frame mutex held.
+// The steps to the surface that connects Direct3D 11 with OpenGL ES. CLS_D3D11EGL.cpp puts them in order and
+// reports what fails. Painting thread, the widget's context current, the renderer's frame mutex held.
 #include "d3d11/CLS_D3D11EGL.h"
 
 #include "d3d11/D3D11VP.h"
@@ -15,13 +15,6 @@
 namespace egl = platform::egl;
 
 namespace {
-
-constexpr char kFile[] = "CLS_D3D11EGL";
-constexpr char kEnsureSurface[] = "CLS_D3D11EGL::EnsureSurface";
-constexpr char kMap[] = "CLS_D3D11EGL::Map";
-
-// The bound texture after a conversion failed: equal to no name.
-constexpr uint32_t kBindAgain = static_cast<uint32_t>(-1);
 
 const char *EglString(EGLDisplay display, EGLint nName)
 {
@@ -55,36 +48,11 @@ D3D11_TEXTURE2D_DESC OutputDesc(int32_t nWidth, int32_t nHeight)
 
 } // namespace
 
-bool CLS_D3D11EGL::EnsureSurface(int32_t nWidth, int32_t nHeight)
-{
-    if (m_eglSurface != EGL_NO_SURFACE && m_szSurface == QSize(nWidth, nHeight)) {
-        return true;
-    }
-    if (!m_pD3DDevice) {
-        XELT_REPORT_ERROR(kFile, kEnsureSurface,
-                          "[CLS_D3D11EGL::EnsureSurface] NULL == m_pD3DDevice,this = %p",
-                          static_cast<void *>(this));
-        return false;
-    }
-    EGLConfig config = nullptr;
-    HANDLE hShare = nullptr;
-    if (!EnsureDisplay() || !HasShareHandles() || !ChooseConfig(config) ||
-        !CreateOutputTexture(nWidth, nHeight, hShare)) {
-        return false;
-    }
-    EnsureProcessor();
-    ReleaseEGL();
-    return CreateSurface(config, hShare, nWidth, nHeight);
-}
-
 bool CLS_D3D11EGL::EnsureDisplay()
 {
     if (m_eglDisplay == EGL_NO_DISPLAY) {
         m_eglDisplay = egl::GetCurrentDisplay();
         if (m_eglDisplay == EGL_NO_DISPLAY) {
-            XELT_REPORT_ERROR(kFile, kEnsureSurface,
-                              "[CLS_EGLBase::CreateEglResource]nullptr == m_eglDisplay! eglErr=%d",
-                              egl::GetError());
             return false;
         }
         XELT_LOG("[CLS_EGLBase::CreateEglResource]EGL eglVendor: %s", EglString(m_eglDisplay, EGL_VENDOR));
@@ -98,12 +66,7 @@ bool CLS_D3D11EGL::EnsureDisplay()
 bool CLS_D3D11EGL::HasShareHandles() const
 {
     const QList<QByteArray> listExtensions = QByteArray(EglString(m_eglDisplay, EGL_EXTENSIONS)).split(' ');
-    if (!listExtensions.contains("EGL_ANGLE_d3d_share_handle_client_buffer")) {
-        XELT_REPORT_ERROR(kFile, kEnsureSurface,
-                          "EGL extension 'ANGLE_d3d_share_handle_client_buffer' is required!");
-        return false;
-    }
-    return true;
+    return listExtensions.contains("EGL_ANGLE_d3d_share_handle_client_buffer");
 }
 
 bool CLS_D3D11EGL::ChooseConfig(EGLConfig &config) const
@@ -113,12 +76,7 @@ bool CLS_D3D11EGL::ChooseConfig(EGLConfig &config) const
         EGL_ALPHA_SIZE, 8, EGL_BIND_TO_TEXTURE_RGBA, EGL_TRUE, EGL_SURFACE_TYPE, EGL_PBUFFER_BIT,
         EGL_NONE};
     EGLint nConfigs = 0; // not examined, deliberately
-    if (egl::ChooseConfig(m_eglDisplay, anAttributes, &config, 1, &nConfigs) == EGL_FALSE) {
-        XELT_REPORT_ERROR(kFile, kEnsureSurface, "Failed to create EGL configuration, eglErr=%d",
-                          egl::GetError());
-        return false;
-    }
-    return true;
+    return egl::ChooseConfig(m_eglDisplay, anAttributes, &config, 1, &nConfigs) != EGL_FALSE;
 }
 
 bool CLS_D3D11EGL::CreateOutputTexture(int32_t nWidth, int32_t nHeight, HANDLE &hShare)
@@ -162,49 +120,6 @@ bool CLS_D3D11EGL::CreateSurface(EGLConfig config, HANDLE hShare, int32_t nWidth
     }
     XELT_LOG("pbuffer surface from client buffer: %p", m_eglSurface);
     m_szSurface = QSize(nWidth, nHeight);
-    return true;
-}
-
-int32_t CLS_D3D11EGL::Map()
-{
-    if (!m_blFramePending && !m_blConvertAgain) {
-        return 0;
-    }
-    m_blConvertAgain = false;
-    if (!Convert()) {
-        m_blMapped = false;
-        qtlog::Debug("Map fail");
-        m_pTexture.Reset();
-        return -1;
-    }
-    BindSurface();
-    m_blMapped = true;
-    return 0;
-}
-
-bool CLS_D3D11EGL::Convert()
-{
-    if (!m_pTexture) {
-        // Render does not come here without one.
-        XELT_REPORT_ERROR(kFile, kMap, "[CLS_D3D11EGL::Map] nullptr == surface fail!");
-        return false;
-    }
-    DropOldDevice();
-    if (!EnsureSurface(m_nFrameWidth, m_nFrameHeight)) {
-        ReleaseEGL();
-        XELT_REPORT_ERROR(kFile, kMap, "[CLS_D3D11EGL::Map] EnsureSurface fail!");
-        return false;
-    }
-    m_pD3Dvp->setSourceRect(QRect(0, 0, m_nFrameWidth, m_nFrameHeight));
-    if (!m_pD3Dvp->process(m_pTexture.Get(), m_nSlice)) {
-        XELT_REPORT_ERROR(kFile, kMap, "[CLS_D3D11EGL::Map] m_pD3Dvp->process fail!");
-        ReleaseEGL();
-        m_pD3Dvp.reset();
-        if (m_nBoundTexture != 0) {
-            m_nBoundTexture = kBindAgain;
-        }
-        return false;
-    }
     return true;
 }
 

@@ -104,7 +104,8 @@ bool D3D11VP::createOutputView()
 bool D3D11VP::process(ID3D11Texture2D *pTexture, uint32_t nIndex)
 {
     if (pTexture == nullptr || !m_out) {
-        // The line numbers of these two reports are part of them.
+        // The numbers of these two reports are part of their text, by which hosts know them; they do not follow the
+        // source.
         XELT_REPORT_ERROR_AT(kFile, kProcess, 68, "[D3D11VP::process] !texture || !m_out fail!");
         return false;
     }

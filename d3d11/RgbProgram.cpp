@@ -47,7 +47,7 @@ RgbProgram::~RgbProgram()
     DestroyTextures();
 }
 
-int32_t RgbProgram::CreateGlslResource()
+int32_t RgbProgram::CreateGlslResource(const LogPosition &position)
 {
     if (m_pProgram != nullptr) {
         return 0;
@@ -61,14 +61,13 @@ int32_t RgbProgram::CreateGlslResource()
     m_pProgram->bindAttributeLocation("a_Position", 0);
     m_pProgram->bindAttributeLocation("a_TexCoords0", 1);
     if (!m_pProgram->link()) {
-        XELT_REPORT_ERROR("CLS_D3D11EGL", "CLS_D3D11EGL::CreateGlslResource",
-                          "QSGMaterialShader: Shader compilation failed: %s %p",
-                          qPrintable(m_pProgram->log()), m_pOwner);
+        XELT_REPORT_ERROR_FROM(position, "QSGMaterialShader: Shader compilation failed: %s %p",
+                               qPrintable(m_pProgram->log()), m_pOwner);
         return -1;
     }
     if (!m_pProgram->bind()) {
-        XELT_REPORT_ERROR("CLS_D3D11EGL", "CLS_D3D11EGL::CreateGlslResource",
-                          "QSGMaterialShader: Shader bind failed:%s", qPrintable(m_pProgram->log()));
+        XELT_REPORT_ERROR_FROM(position, "QSGMaterialShader: Shader bind failed:%s",
+                               qPrintable(m_pProgram->log()));
         return -1;
     }
     LookUpUniforms();
@@ -121,7 +120,7 @@ void RgbProgram::LogLocations() const
     }
 }
 
-int32_t RgbProgram::BindEglTextures(int32_t nWidth, int32_t nHeight)
+int32_t RgbProgram::BindEglTextures(const LogPosition &position, int32_t nWidth, int32_t nHeight)
 {
     m_nInternalFormat = GL_BGRA_EXT;
     m_nFormat = GL_BGRA_EXT;
@@ -139,8 +138,8 @@ int32_t RgbProgram::BindEglTextures(int32_t nWidth, int32_t nHeight)
     gl.glBindTexture(GL_TEXTURE_2D, 0);
     const GLenum nError = gl.glGetError();
     if (nError != GL_NO_ERROR) {
-        XELT_REPORT_ERROR("CLS_D3D11EGL", "CLS_D3D11EGL::BindEglTextures",
-                          "glGetError() != GL_NO_ERROR glBindTexture err = %d", static_cast<int>(nError));
+        XELT_REPORT_ERROR_FROM(position, "glGetError() != GL_NO_ERROR glBindTexture err = %d",
+                               static_cast<int>(nError));
     }
     logGlStrings(gl);
     return 0;

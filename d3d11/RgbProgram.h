@@ -11,6 +11,7 @@
 #include <memory>
 
 class ColorMatrix;
+struct LogPosition;
 
 namespace rgb {
 
@@ -44,10 +45,11 @@ public:
     RgbProgram &operator=(const RgbProgram &) = delete;
 
     // Builds the program and leaves it bound. 0, also when it exists already; -1 when it cannot be linked or
-    // bound, and then it stays as it is.
-    int32_t CreateGlslResource();
-    // Makes the texture, with storage of the given size (which may be 0 x 0). Always 0.
-    int32_t BindEglTextures(int32_t nWidth, int32_t nHeight);
+    // bound, and then it stays as it is. Its error records name the caller's position.
+    int32_t CreateGlslResource(const LogPosition &position);
+    // Makes the texture, with storage of the given size (which may be 0 x 0). Always 0. Its error records name
+    // the caller's position.
+    int32_t BindEglTextures(const LogPosition &position, int32_t nWidth, int32_t nHeight);
 
     // False without a program that can be bound.
     bool Bind();

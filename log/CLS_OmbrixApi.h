@@ -54,18 +54,33 @@ private:
     std::atomic<platform::ModuleHandle> m_hModule{nullptr};
 };
 
+// Where an error record says that it comes from: the file of the class, and the line of that file which holds
+// the report or the call that leads to it. Code in another file takes its caller's.
+struct LogPosition
+{
+    const char *pszFile;
+    const char *pszFunction;
+    int nLine;
+};
+
+// The line that it stands in.
+#define XELT_POSITION(file, function) (LogPosition{file, function, __LINE__})
+
 // One error record: lock, date, position line, message. The last call releases the core library's lock.
-// The file is that of the class, whose code may lie in more than one; the line is the call's.
-#define XELT_REPORT_ERROR_AT(file, function, line, ...)                                      \
-    do {                                                                                     \
-        const CLS_OmbrixApi &xeltApi = CLS_OmbrixApi::Instance();                            \
-        xeltApi.inner_sdk_log_buf_lock();                                                    \
-        xeltApi.inner_sdk_log_buf_date();                                                    \
-        xeltApi.inner_sdk_log_buf_msg("file: %s, func:%s, line: %d ", file, function, line); \
-        xeltApi.inner_sdk_err_buf_msg_unlock(__VA_ARGS__);                                   \
+#define XELT_REPORT_ERROR_FROM(position, ...)                                               \
+    do {                                                                                    \
+        const LogPosition xeltPosition = (position);                                        \
+        const CLS_OmbrixApi &xeltApi = CLS_OmbrixApi::Instance();                           \
+        xeltApi.inner_sdk_log_buf_lock();                                                   \
+        xeltApi.inner_sdk_log_buf_date();                                                   \
+        xeltApi.inner_sdk_log_buf_msg("file: %s, func:%s, line: %d ", xeltPosition.pszFile, \
+                                      xeltPosition.pszFunction, xeltPosition.nLine);        \
+        xeltApi.inner_sdk_err_buf_msg_unlock(__VA_ARGS__);                                  \
     } while (false)
 
-// The same with the source line that it stands in.
+// The same with a given line, and with the source line that it stands in.
+#define XELT_REPORT_ERROR_AT(file, function, line, ...) \
+    XELT_REPORT_ERROR_FROM((LogPosition{file, function, line}), __VA_ARGS__)
 #define XELT_REPORT_ERROR(file, function, ...) XELT_REPORT_ERROR_AT(file, function, __LINE__, __VA_ARGS__)
 
 // One informational message.

@@ -3,6 +3,7 @@
 
 #include "ErrorRecord.h"
 #include "HardwarePane.h"
+#include "SourceLine.h"
 
 #include <string>
 #include <vector>
@@ -11,7 +12,8 @@ namespace xelttest {
 
 constexpr int32_t k_nEglBadAlloc = 0x3003; // 12291
 
-// An error report: source file, function, text, and the line where that is laid down.
+// An error report: source file, function, text, and the line where that is laid down. Elsewhere it is the line
+// in the source that reports.
 struct Report
 {
     std::string sFile;
@@ -51,6 +53,11 @@ inline testing::AssertionResult reportsAre(const std::vector<Report> &vecExpecte
         const std::string &sPosition = vecRecords[4 * i + 2].sText;
         if (!same || (report.nLine != 0 && sPosition.find(sLine) == std::string::npos)) {
             return testing::AssertionFailure() << "report " << i << ": " << same.message() << sPosition;
+        }
+        if (report.nLine == 0) { // the report's own
+            if (const auto leads = leadsToReport(sPosition, report.sText); !leads) {
+                return leads;
+            }
         }
     }
     return testing::AssertionSuccess();

@@ -3,6 +3,7 @@
 #include "GlRecorder.h"
 #include "InteropObject.h"
 #include "RefuseBind.h"
+#include "SourceLine.h"
 
 #include <QOpenGLShaderProgram>
 
@@ -41,9 +42,21 @@ TEST_F(InteropInit, WithoutAProgramThereIsNoTexture)
     const std::string sText = vecRecords[4].sText;
     EXPECT_EQ(QString::fromStdString(sText).trimmed(), "QSGMaterialShader: Shader bind failed:");
     EXPECT_TRUE(isErrorRecord(vecRecords, 1, "CLS_D3D11EGL", "CLS_D3D11EGL::CreateGlslResource", sText));
+    EXPECT_TRUE(leadsToReport(vecRecords[3].sText, sText));
     const auto vecCalls = recorder.take();
     EXPECT_THAT(vecCalls, Not(Contains(StartsWith("texture "))));
     EXPECT_THAT(vecCalls, Not(Contains(StartsWith("image "))));
+}
+
+TEST_F(InteropInit, TheTexturesReportLeadsToTheCall)
+{
+    m_pGl->gl().glBindTexture(0xFFFF, 0); // invalid enumerant
+    ASSERT_EQ(m_pEgl->InitD3D11EGL(), 0);
+    const auto vecRecords = CoreLog::instance().records();
+    ASSERT_GE(vecRecords.size(), 5U);
+    const std::string sText = "glGetError() != GL_NO_ERROR glBindTexture err = 1280";
+    EXPECT_TRUE(isErrorRecord(vecRecords, 1, "CLS_D3D11EGL", "CLS_D3D11EGL::BindEglTextures", sText));
+    EXPECT_TRUE(leadsToReport(vecRecords[3].sText, sText));
 }
 
 TEST_F(InteropInit, AnewItWorks)

@@ -2,6 +2,7 @@
 #include "InteropObject.h"
 #include "ErrorRecord.h"
 #include "QtMessages.h"
+#include "SourceLine.h"
 
 #include "d3d11/D3D11VP.h"
 
@@ -109,6 +110,9 @@ TEST_F(InteropObject, ARenderWithoutADevice)
         isErrorRecord(vecRecords, 0, "CLS_D3D11EGL", "CLS_D3D11EGL::EnsureSurface", std::string(szExpected)));
     EXPECT_TRUE(isErrorRecord(vecRecords, 4, "CLS_D3D11EGL", "CLS_D3D11EGL::Map",
                               "[CLS_D3D11EGL::Map] EnsureSurface fail!"));
+    for (const size_t nAt : {0U, 4U}) {
+        EXPECT_TRUE(leadsToReport(vecRecords[nAt + 2].sText, vecRecords[nAt + 3].sText));
+    }
     EXPECT_EQ(references(m_textures->texture()), 1U); // dropped
     EXPECT_EQ(render(), 0);
 }

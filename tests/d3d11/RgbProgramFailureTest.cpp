@@ -38,6 +38,7 @@ protected:
         const std::vector<CoreLogRecord> vecRecords = CoreLog::instance().records();
         EXPECT_EQ(vecRecords.size(), 4u);
         EXPECT_TRUE(isErrorRecord(vecRecords, 0, "CLS_D3D11EGL", "CLS_D3D11EGL::CreateGlslResource", sText));
+        EXPECT_EQ(vecRecords[2].sText, positionLine(k_program));
         for (const QtMessage &message : m_messages.take()) {
             EXPECT_NE(message.type, QtDebugMsg) << message;
         }
@@ -54,7 +55,7 @@ protected:
 TEST_F(RgbProgramFailureTest, TextsThatDoNotLinkAreReported)
 {
     RgbProgram program(&m_nOwner, rgb::kVertexShader, k_pszUnlinkable);
-    EXPECT_EQ(program.CreateGlslResource(), -1);
+    EXPECT_EQ(program.CreateGlslResource(k_program), -1);
     ASSERT_NE(program.Program(), nullptr) << "it is kept";
     const std::string sLog = program.Program()->log().toStdString();
     EXPECT_NE(sLog.find("v_Missing"), std::string::npos) << sLog;
@@ -72,12 +73,12 @@ TEST_F(RgbProgramFailureTest, TextsThatDoNotCompileAreReportedByTheLinker)
         RgbProgram program(&m_nOwner, blVertex ? "void main() { nonsense; }" : rgb::kVertexShader,
                            blVertex ? rgb::kFragmentShader : "void main() { nonsense; }");
         if (isDesktop()) {
-            EXPECT_EQ(program.CreateGlslResource(), 0);
+            EXPECT_EQ(program.CreateGlslResource(k_program), 0);
             EXPECT_TRUE(CoreLog::instance().records().empty());
             EXPECT_EQ(m_messages.take().front().type, QtWarningMsg) << "Qt says it";
             continue;
         }
-        EXPECT_EQ(program.CreateGlslResource(), -1);
+        EXPECT_EQ(program.CreateGlslResource(k_program), -1);
         ASSERT_NE(program.Program(), nullptr);
         expectReport("QSGMaterialShader: Shader compilation failed: " +
                      program.Program()->log().toStdString() + " " + ownerAddress());
@@ -89,23 +90,23 @@ TEST_F(RgbProgramFailureTest, TextsThatDoNotCompileAreReportedByTheLinker)
 TEST_F(RgbProgramFailureTest, TheNextCallFindsTheFailedProgram)
 {
     RgbProgram program(&m_nOwner, rgb::kVertexShader, k_pszUnlinkable);
-    ASSERT_EQ(program.CreateGlslResource(), -1);
+    ASSERT_EQ(program.CreateGlslResource(k_program), -1);
     CoreLog::instance().clear();
     m_messages.take();
-    EXPECT_EQ(program.CreateGlslResource(), 0);
+    EXPECT_EQ(program.CreateGlslResource(k_program), 0);
     EXPECT_TRUE(CoreLog::instance().records().empty());
     EXPECT_EQ(m_messages.take(), Messages());
     EXPECT_FALSE(program.Bind());
     program.DestroyProgram();
     CoreLog::instance().clear();
-    EXPECT_EQ(program.CreateGlslResource(), -1) << "made anew, it fails anew";
+    EXPECT_EQ(program.CreateGlslResource(k_program), -1) << "made anew, it fails anew";
     EXPECT_EQ(CoreLog::instance().errors().size(), 1u);
 }
 
 TEST_F(RgbProgramFailureTest, UniformsOfAFailedProgramGoNowhere)
 {
     RgbProgram program(&m_nOwner, rgb::kVertexShader, k_pszUnlinkable);
-    ASSERT_EQ(program.CreateGlslResource(), -1);
+    ASSERT_EQ(program.CreateGlslResource(k_program), -1);
     ColorMatrix colors;
     program.LoadColorUniforms(colors);
     program.SetMatrix(QMatrix4x4());
@@ -117,7 +118,7 @@ TEST_F(RgbProgramFailureTest, AProgramThatCannotBeBoundIsReported)
 {
     refuseProgramBind() = true;
     RgbProgram program(&m_nOwner);
-    EXPECT_EQ(program.CreateGlslResource(), -1);
+    EXPECT_EQ(program.CreateGlslResource(k_program), -1);
     ASSERT_NE(program.Program(), nullptr) << "it is kept";
     EXPECT_TRUE(program.Program()->isLinked());
     expectReport("QSGMaterialShader: Shader bind failed:" + program.Program()->log().toStdString());

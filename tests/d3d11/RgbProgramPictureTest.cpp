@@ -21,7 +21,7 @@ protected:
     void SetUp() override
     {
         RgbProgramTest::SetUp();
-        ASSERT_EQ(m_program.CreateGlslResource(), 0);
+        ASSERT_EQ(m_program.CreateGlslResource(k_program), 0);
         makeTexture();
         auto pGeometry = std::make_unique<TexturedGeometry>();
         pGeometry->setTextureRect(QRectF(0, 0, 1, 1), 0);

@@ -51,7 +51,7 @@ TEST_F(RgbProgramTest, StartsWithoutProgramAndLocations)
 TEST_F(RgbProgramTest, FindsItsUniforms)
 {
     RgbProgram program(&m_nOwner);
-    ASSERT_EQ(program.CreateGlslResource(), 0);
+    ASSERT_EQ(program.CreateGlslResource(k_program), 0);
     ASSERT_NE(program.Program(), nullptr);
     const QOpenGLShaderProgram &linked = *program.Program();
     const rgb::UniformLocations &locations = program.Locations();
@@ -80,7 +80,7 @@ TEST_F(RgbProgramTest, FindsItsUniforms)
 TEST_F(RgbProgramTest, BindsAttributesAndStaysBound)
 {
     RgbProgram program(&m_nOwner);
-    ASSERT_EQ(program.CreateGlslResource(), 0);
+    ASSERT_EQ(program.CreateGlslResource(k_program), 0);
     EXPECT_EQ(program.Program()->attributeLocation("a_Position"), 0);
     EXPECT_EQ(program.Program()->attributeLocation("a_TexCoords0"), 1);
     EXPECT_EQ(program.Program()->parent(), nullptr);
@@ -96,7 +96,7 @@ TEST_F(RgbProgramTest, AsksForTheNumberOfAttributes)
 {
     RgbProgram program(&m_nOwner);
     m_recorder.take();
-    ASSERT_EQ(program.CreateGlslResource(), 0);
+    ASSERT_EQ(program.CreateGlslResource(k_program), 0);
     const std::vector<std::string> vecCalls = m_recorder.take();
     EXPECT_EQ(std::count(vecCalls.begin(), vecCalls.end(), "query " + std::to_string(GL_MAX_VERTEX_ATTRIBS)),
               1);
@@ -105,7 +105,7 @@ TEST_F(RgbProgramTest, AsksForTheNumberOfAttributes)
 TEST_F(RgbProgramTest, SaysWhatItFound)
 {
     RgbProgram program(&m_nOwner);
-    ASSERT_EQ(program.CreateGlslResource(), 0);
+    ASSERT_EQ(program.CreateGlslResource(k_program), 0);
     const Messages vecMessages = m_messages.take();
     EXPECT_EQ(vecMessages,
               (Messages{debugLine("uniform locations:"), locationLine(program, "u_Texture0"),
@@ -120,7 +120,7 @@ TEST_F(RgbProgramTest, SaysWhatItFound)
 TEST_F(RgbProgramTest, SaysMoreWhereTheTextHasMore)
 {
     RgbProgram program(&m_nOwner, rgb::kVertexShader, k_pszFullFragment);
-    ASSERT_EQ(program.CreateGlslResource(), 0);
+    ASSERT_EQ(program.CreateGlslResource(k_program), 0);
     EXPECT_EQ(m_messages.take(),
               (Messages{debugLine("uniform locations:"), locationLine(program, "u_Texture0"),
                         locationLine(program, "u_Matrix"), locationLine(program, "u_colorMatrix"),
@@ -136,7 +136,7 @@ TEST_F(RgbProgramTest, SaysMoreWhereTheTextHasMore)
 TEST_F(RgbProgramTest, SaysLessWhereTheTextHasLess)
 {
     RgbProgram program(&m_nOwner, rgb::kVertexShader, k_pszLeanFragment);
-    ASSERT_EQ(program.CreateGlslResource(), 0);
+    ASSERT_EQ(program.CreateGlslResource(k_program), 0);
     EXPECT_EQ(m_messages.take(),
               (Messages{debugLine("uniform locations:"), locationLine(program, "u_Texture0"),
                         locationLine(program, "u_Matrix"), locationLine(program, "u_colorMatrix"),
@@ -146,11 +146,11 @@ TEST_F(RgbProgramTest, SaysLessWhereTheTextHasLess)
 TEST_F(RgbProgramTest, ASecondCallChangesAndSaysNothing)
 {
     RgbProgram program(&m_nOwner);
-    ASSERT_EQ(program.CreateGlslResource(), 0);
+    ASSERT_EQ(program.CreateGlslResource(k_program), 0);
     const GLuint nProgram = program.Program()->programId();
     program.Release();
     m_messages.take();
-    EXPECT_EQ(program.CreateGlslResource(), 0);
+    EXPECT_EQ(program.CreateGlslResource(k_program), 0);
     EXPECT_EQ(program.Program()->programId(), nProgram);
     EXPECT_EQ(boundProgram(m_gl.gl()), 0u) << "not even bound again";
     EXPECT_EQ(m_messages.take(), Messages());
@@ -160,7 +160,7 @@ TEST_F(RgbProgramTest, ASecondCallChangesAndSaysNothing)
 TEST_F(RgbProgramTest, IsMadeAnewAfterItsEnd)
 {
     RgbProgram program(&m_nOwner);
-    ASSERT_EQ(program.CreateGlslResource(), 0);
+    ASSERT_EQ(program.CreateGlslResource(k_program), 0);
     const int nMatrix = program.Locations().nMatrix;
     const GLuint nProgram = program.Program()->programId();
     program.DestroyProgram();
@@ -169,7 +169,7 @@ TEST_F(RgbProgramTest, IsMadeAnewAfterItsEnd)
     EXPECT_EQ(m_gl.gl().glIsProgram(nProgram), GL_FALSE);
     EXPECT_EQ(program.Locations().nMatrix, nMatrix);
     m_messages.take();
-    ASSERT_EQ(program.CreateGlslResource(), 0);
+    ASSERT_EQ(program.CreateGlslResource(k_program), 0);
     EXPECT_EQ(m_messages.take().size(), 6u);
     EXPECT_EQ(boundProgram(m_gl.gl()), program.Program()->programId());
 }
@@ -191,7 +191,7 @@ TEST_F(RgbProgramTest, TheTextsKeepTheirVariants)
                                                           {rgb::kVertexShader, sUserSampler},
                                                           {rgb::kVertexShader, sGamma}}) {
         RgbProgram program(&m_nOwner, sVertex.c_str(), sFragment.c_str());
-        EXPECT_EQ(program.CreateGlslResource(), 0) << sVertex << sFragment;
+        EXPECT_EQ(program.CreateGlslResource(k_program), 0) << sVertex << sFragment;
     }
 }
 

@@ -20,6 +20,16 @@ namespace xelttest {
 
 using Messages = std::vector<QtMessage>;
 
+// Where the reports come from, as the owner says.
+constexpr LogPosition k_program{"CLS_D3D11EGL", "CLS_D3D11EGL::CreateGlslResource", 4711};
+constexpr LogPosition k_texture{"CLS_D3D11EGL", "CLS_D3D11EGL::BindEglTextures", 4712};
+
+inline std::string positionLine(const LogPosition &position)
+{
+    return std::string("file: ") + position.pszFile + ", func:" + position.pszFunction +
+           ", line: " + std::to_string(position.nLine) + " ";
+}
+
 class RgbProgramTest : public ::testing::Test
 {
 protected:

@@ -55,7 +55,7 @@ protected:
 TEST_F(RgbProgramTextureTest, HasLinearFiltersAndClampedEdges)
 {
     RgbProgram program(&m_nOwner);
-    EXPECT_EQ(program.BindEglTextures(16, 8), 0);
+    EXPECT_EQ(program.BindEglTextures(k_texture, 16, 8), 0);
     const GLuint nTexture = program.Texture();
     ASSERT_NE(nTexture, 0u);
     EXPECT_TRUE(exists(nTexture));
@@ -68,7 +68,7 @@ TEST_F(RgbProgramTextureTest, HasLinearFiltersAndClampedEdges)
 TEST_F(RgbProgramTextureTest, IsLetGo)
 {
     RgbProgram program(&m_nOwner);
-    program.BindEglTextures(16, 8);
+    program.BindEglTextures(k_texture, 16, 8);
     GLint nBound = -1;
     m_gl.gl().glGetIntegerv(GL_TEXTURE_BINDING_2D, &nBound);
     EXPECT_EQ(nBound, 0);
@@ -80,7 +80,7 @@ TEST_F(RgbProgramTextureTest, LogsWhatTheContextSays)
 {
     const size_t nErrors = errorsOfTheFormat();
     RgbProgram program(&m_nOwner);
-    EXPECT_EQ(program.BindEglTextures(16, 8), 0);
+    EXPECT_EQ(program.BindEglTextures(k_texture, 16, 8), 0);
     EXPECT_EQ(m_gl.gl().glGetError(), static_cast<GLenum>(GL_NO_ERROR)) << "the error was taken";
     EXPECT_EQ(CoreLog::instance().messages(), contextLines());
     EXPECT_EQ(CoreLog::instance().errors().size(), nErrors);
@@ -91,7 +91,7 @@ TEST_F(RgbProgramTextureTest, TakesAnEmptyFrame)
 {
     const size_t nErrors = errorsOfTheFormat();
     RgbProgram program(&m_nOwner);
-    EXPECT_EQ(program.BindEglTextures(0, 0), 0);
+    EXPECT_EQ(program.BindEglTextures(k_texture, 0, 0), 0);
     EXPECT_TRUE(exists(program.Texture()));
     EXPECT_EQ(CoreLog::instance().errors().size(), nErrors);
     EXPECT_EQ(CoreLog::instance().messages(), contextLines());
@@ -105,21 +105,22 @@ TEST_F(RgbProgramTextureTest, ReportsAGlError)
         m_gl.gl().glBindTexture(0xFFFF, 0);
     }
     RgbProgram program(&m_nOwner);
-    EXPECT_EQ(program.BindEglTextures(16, 8), 0);
+    EXPECT_EQ(program.BindEglTextures(k_texture, 16, 8), 0);
     const std::vector<CoreLogRecord> vecRecords = CoreLog::instance().records();
     EXPECT_EQ(CoreLog::instance().errors().size(), 1u);
     EXPECT_TRUE(
         isErrorRecord(vecRecords, 0, "CLS_D3D11EGL", "CLS_D3D11EGL::BindEglTextures",
                       "glGetError() != GL_NO_ERROR glBindTexture err = " + std::to_string(GL_INVALID_ENUM)));
+    EXPECT_EQ(vecRecords[2].sText, positionLine(k_texture));
     EXPECT_EQ(CoreLog::instance().messages(), contextLines()) << "and goes on";
 }
 
 TEST_F(RgbProgramTextureTest, AnotherOneReplacesItUnderAnotherName)
 {
     RgbProgram program(&m_nOwner);
-    program.BindEglTextures(16, 8);
+    program.BindEglTextures(k_texture, 16, 8);
     const GLuint nFirst = program.Texture();
-    program.BindEglTextures(32, 8);
+    program.BindEglTextures(k_texture, 32, 8);
     EXPECT_NE(program.Texture(), nFirst) << "the old name may still stand for a surface";
     EXPECT_TRUE(exists(program.Texture()));
     EXPECT_FALSE(exists(nFirst));
@@ -128,8 +129,8 @@ TEST_F(RgbProgramTextureTest, AnotherOneReplacesItUnderAnotherName)
 TEST_F(RgbProgramTextureTest, OutlivesTheProgram)
 {
     RgbProgram program(&m_nOwner);
-    ASSERT_EQ(program.CreateGlslResource(), 0);
-    program.BindEglTextures(16, 8);
+    ASSERT_EQ(program.CreateGlslResource(k_program), 0);
+    program.BindEglTextures(k_texture, 16, 8);
     const GLuint nTexture = program.Texture();
     program.DestroyProgram();
     EXPECT_EQ(program.Texture(), nTexture);
@@ -141,13 +142,13 @@ TEST_F(RgbProgramTextureTest, IsDeletedOnRequestAndAtTheEnd)
     GLuint nTexture = 0;
     {
         RgbProgram program(&m_nOwner);
-        program.BindEglTextures(16, 8);
+        program.BindEglTextures(k_texture, 16, 8);
         nTexture = program.Texture();
         program.DestroyTextures();
         EXPECT_EQ(program.Texture(), 0u);
         EXPECT_FALSE(exists(nTexture));
         program.DestroyTextures();
-        program.BindEglTextures(16, 8);
+        program.BindEglTextures(k_texture, 16, 8);
         nTexture = program.Texture();
         EXPECT_TRUE(exists(nTexture));
     }
@@ -161,7 +162,7 @@ TEST_F(RgbProgramTextureTest, NeverDeletesATextureOfAnotherContext)
     GLuint nForeign = 0;
     {
         OffscreenGl other;
-        program.BindEglTextures(16, 8);
+        program.BindEglTextures(k_texture, 16, 8);
         nForeign = program.Texture();
         m_gl.makeCurrent();
         std::vector<GLuint> vecOwn(8);
@@ -170,12 +171,12 @@ TEST_F(RgbProgramTextureTest, NeverDeletesATextureOfAnotherContext)
             m_gl.gl().glBindTexture(GL_TEXTURE_2D, nOwn);
         }
         ASSERT_TRUE(exists(nForeign)) << "the same name, another texture";
-        program.BindEglTextures(16, 8);
+        program.BindEglTextures(k_texture, 16, 8);
         EXPECT_TRUE(exists(nForeign));
         program.DestroyTextures();
         EXPECT_TRUE(exists(nForeign));
         other.makeCurrent();
-        program.BindEglTextures(16, 8);
+        program.BindEglTextures(k_texture, 16, 8);
     }
     m_gl.makeCurrent();
     program.DestroyTextures();
