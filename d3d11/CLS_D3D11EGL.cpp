@@ -85,12 +85,31 @@ bool CLS_D3D11EGL::EnsureSurface(int32_t nWidth, int32_t nHeight)
         return false;
     }
     HANDLE hShare = nullptr;
-    if (!CreateOutputTexture(nWidth, nHeight, hShare)) {
+    if (!CreateOutputTexture(nWidth, nHeight, hShare) || !FitsContext(nWidth, nHeight)) {
         return false;
     }
     EnsureProcessor();
     ReleaseEGL();
     return CreateSurface(config, hShare, nWidth, nHeight);
+}
+
+// A device may have larger textures than the context has. Neither EGL nor GL gets to see such a size.
+bool CLS_D3D11EGL::FitsContext(int32_t nWidth, int32_t nHeight)
+{
+    const int32_t nMax = rgb::MaxTextureSize();
+    if (rgb::IsTextureSize(nWidth, nHeight, nMax)) {
+        m_szTooLarge = QSize();
+        return true;
+    }
+    if (m_szTooLarge != QSize(nWidth, nHeight)) {
+        m_szTooLarge = QSize(nWidth, nHeight);
+        XELT_REPORT_ERROR(
+            kFile, kEnsureSurface,
+            "[CLS_D3D11EGL::EnsureSurface] frame %d x %d is larger than the context's textures, %d", nWidth,
+            nHeight, nMax);
+    }
+    m_pd3dtex.Reset(); // nothing will show it
+    return false;
 }
 
 int32_t CLS_D3D11EGL::Map()
@@ -193,6 +212,7 @@ void CLS_D3D11EGL::ReleaseContextObjects()
     m_pGeometryRenderer.reset();
     m_colorMatrix.invalidate();
     m_nBoundTexture = 0;
+    m_szTooLarge = QSize(); // the next context may have other textures
     // A frame that does not wait any more, because the host has stopped drawing, shows again all the same.
     m_blConvertAgain = m_blConvertAgain || m_blMapped;
     m_blMapped = false;

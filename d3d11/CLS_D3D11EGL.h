@@ -80,6 +80,7 @@ public:
 
 private:
     bool EnsureSurface(int32_t nWidth, int32_t nHeight);
+    bool FitsContext(int32_t nWidth, int32_t nHeight);
     int32_t Map();
     bool Convert();
 
@@ -103,6 +104,7 @@ private:
     uint32_t m_nSlice = 0;
     EGLSurface m_eglSurface = EGL_NO_SURFACE;
     QSize m_szSurface;
+    QSize m_szTooLarge;            // the last frame's size, once it is reported as too large
     bool m_blSurfaceBound = false; // to the texture m_nBoundTexture
     EGLDisplay m_eglDisplay = EGL_NO_DISPLAY;
     ComPtr<ID3D11Texture2D> m_pd3dtex; // converted into, shared with EGL

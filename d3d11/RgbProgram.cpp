@@ -37,6 +37,13 @@ void logGlStrings(QOpenGLFunctions &gl)
 
 } // namespace
 
+int32_t rgb::MaxTextureSize()
+{
+    GLint nMax = 0;
+    currentFunctions().glGetIntegerv(GL_MAX_TEXTURE_SIZE, &nMax);
+    return nMax;
+}
+
 RgbProgram::RgbProgram(const void *pOwner, const char *pszVertexShader, const char *pszFragmentShader)
     : m_pOwner(pOwner), m_pszVertexShader(pszVertexShader), m_pszFragmentShader(pszFragmentShader)
 {
@@ -126,6 +133,7 @@ int32_t RgbProgram::BindEglTextures(const LogPosition &position, int32_t nWidth,
     m_nFormat = GL_BGRA_EXT;
     m_nDataType = GL_UNSIGNED_BYTE;
     m_channels.setToIdentity();
+    const bool blHasSize = rgb::IsTextureSize(nWidth, nHeight, rgb::MaxTextureSize());
     NewTextureName();
     QOpenGLFunctions &gl = currentFunctions();
     gl.glBindTexture(GL_TEXTURE_2D, Texture());
@@ -133,10 +141,15 @@ int32_t RgbProgram::BindEglTextures(const LogPosition &position, int32_t nWidth,
     gl.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
     gl.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
     gl.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
-    gl.glTexImage2D(GL_TEXTURE_2D, 0, static_cast<GLint>(m_nInternalFormat), nWidth, nHeight, 0, m_nFormat,
-                    m_nDataType, nullptr);
+    if (blHasSize) {
+        gl.glTexImage2D(GL_TEXTURE_2D, 0, static_cast<GLint>(m_nInternalFormat), nWidth, nHeight, 0,
+                        m_nFormat, m_nDataType, nullptr);
+    }
     gl.glBindTexture(GL_TEXTURE_2D, 0);
-    const GLenum nError = gl.glGetError();
+    GLenum nError = gl.glGetError();
+    if (nError == GL_NO_ERROR && !blHasSize) {
+        nError = GL_INVALID_VALUE; // which is GL's answer
+    }
     if (nError != GL_NO_ERROR) {
         XELT_REPORT_ERROR_FROM(position, "glGetError() != GL_NO_ERROR glBindTexture err = %d",
                                static_cast<int>(nError));

@@ -30,6 +30,16 @@ struct UniformLocations
     int32_t nDrawAlpha = -1;
 };
 
+// The longest edge that a texture may have in the current context. Painting thread.
+int32_t MaxTextureSize();
+
+// Whether a context with this longest edge can be asked for such a texture. Drivers are known to end the process
+// over sizes far beyond it, so what comes from a host is asked about first. Any thread.
+constexpr bool IsTextureSize(int32_t nWidth, int32_t nHeight, int32_t nMax)
+{
+    return nWidth >= 0 && nHeight >= 0 && nWidth <= nMax && nHeight <= nMax;
+}
+
 } // namespace rgb
 
 // The program that draws the converted picture, and the texture that the picture's surface is bound to.
@@ -47,8 +57,8 @@ public:
     // Builds the program and leaves it bound. 0, also when it exists already; -1 when it cannot be linked or
     // bound, and then it stays as it is. Its error records name the caller's position.
     int32_t CreateGlslResource(const LogPosition &position);
-    // Makes the texture, with storage of the given size (which may be 0 x 0). Always 0. Its error records name
-    // the caller's position.
+    // Makes the texture, with storage of the given size (which may be 0 x 0), or without where the context has no
+    // such textures. Always 0. Its error records name the caller's position.
     int32_t BindEglTextures(const LogPosition &position, int32_t nWidth, int32_t nHeight);
 
     // False without a program that can be bound.

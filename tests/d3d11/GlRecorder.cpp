@@ -185,6 +185,9 @@ template <int Variant> struct Wrappers
     {
         note("query", nName);
         getIntegerv(nName, pnValue);
+        if (nName == GL_MAX_TEXTURE_SIZE && g_pCurrent != nullptr && g_pCurrent->m_nMaxTextureSize > 0) {
+            *pnValue = g_pCurrent->m_nMaxTextureSize;
+        }
     }
     static void onViewport(GLint x, GLint y, GLsizei nWidth, GLsizei nHeight)
     {

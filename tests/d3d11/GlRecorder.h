@@ -37,6 +37,9 @@ public:
     bool m_blFailVertexArrays = false;
     bool m_blFailMap = false;
 
+    // What the context is to say of its largest texture; 0: the truth.
+    int m_nMaxTextureSize = 0;
+
     // Whether the surrounding calls are recorded too.
     bool m_blSurroundings = false;
 

@@ -1,7 +1,10 @@
 // What CLS_D3D11EGL asks of EGL, in which order, and the texture that it shares with it.
 #include "EglArguments.h"
+#include "ErrorRecord.h"
+#include "GlRecorder.h"
 #include "InteropObject.h"
 #include "QtMessages.h"
+#include "SourceLine.h"
 
 #include <iterator>
 #include <string>
@@ -13,9 +16,11 @@ namespace {
 using namespace xelttest;
 using softd3d11::Method;
 using softegl::Call;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 using testing::Pair;
 
 constexpr int32_t k_nEglBadAlloc = 0x3003;
@@ -160,6 +165,55 @@ TEST_F(InteropEgl, AFailingStepIsTheLastOne)
     EXPECT_THAT(failing(Call::CreatePbufferFromClientBuffer),
                 ElementsAre("eglQueryString", "eglChooseConfig", "eglReleaseTexImage", "eglDestroySurface",
                             "eglCreate", "eglGetCurrentDisplay", "eglQueryString"));
+}
+
+// A device has it, the context has not: said once, and the frame fails as without a surface.
+TEST_F(InteropEgl, ASizeBeyondTheContextsTexturesReachesNeitherEglNorGl)
+{
+    startAndForget();
+    GlRecorder recorder;
+    ASSERT_TRUE(softd3d11::FailCall(Method::DeviceCreateTexture2D, E_FAIL));
+    setSize(32, 24);
+    ASSERT_EQ(render(), -1);
+    const size_t nLeft = liveObjects(m_device.Get()); // without a surface
+    recorder.m_nMaxTextureSize = 40;
+    recorder.m_blSurroundings = true;
+    const std::string sFail = "[CLS_D3D11EGL::Map] EnsureSurface fail!";
+    for (const QSize &size : {QSize(41, 24), QSize(24, 41)}) {
+        const std::string sTooLarge = "[CLS_D3D11EGL::EnsureSurface] frame " + std::to_string(size.width()) +
+                                      " x " + std::to_string(size.height()) +
+                                      " is larger than the context's textures, 40";
+        for (int i = 0; i < 3; ++i) {
+            setGrey(80);
+            setSize(size.width(), size.height());
+            CoreLog::instance().clear();
+            takeCalls();
+            recorder.take();
+            EXPECT_EQ(render(), -1);
+            if (i == 0) {
+                const auto vecRecords = CoreLog::instance().records();
+                ASSERT_EQ(vecRecords.size(), 8U);
+                EXPECT_TRUE(
+                    isErrorRecord(vecRecords, 0, "CLS_D3D11EGL", "CLS_D3D11EGL::EnsureSurface", sTooLarge));
+                EXPECT_TRUE(leadsToReport(vecRecords[2].sText, sTooLarge));
+                EXPECT_TRUE(isErrorRecord(vecRecords, 4, "CLS_D3D11EGL", "CLS_D3D11EGL::Map", sFail));
+            } else {
+                EXPECT_THAT(CoreLog::instance().errors(), ElementsAre(sFail)) << "said already";
+            }
+            EXPECT_THAT(takeCalls(), Not(Contains("eglCreate")));
+            EXPECT_THAT(recorder.take(), Not(Contains(HasSubstr("image "))));
+            EXPECT_EQ(softegl::LiveSurfaces(), 0U);
+            EXPECT_EQ(liveObjects(m_device.Get()), nLeft) << "the texture is let go of";
+        }
+    }
+    setGrey(90);
+    setSize(40, 24);
+    EXPECT_EQ(render(), 0);
+    EXPECT_EQ(softegl::LiveSurfaces(), 1U);
+    CoreLog::instance().clear();
+    setSize(24, 41);
+    EXPECT_EQ(render(), -1);
+    EXPECT_EQ(CoreLog::instance().errors().size(), 2U) << "another size came between";
 }
 
 // What is said while the surfaces are counted.

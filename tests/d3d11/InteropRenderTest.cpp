@@ -156,7 +156,8 @@ TEST_F(InteropRender, TheFirstPaintOnlyBindsTheTexture)
     ASSERT_EQ(m_pEgl->InitD3D11EGL(), 0);
     m_initCalls = m_recorder.take();
     EXPECT_EQ(render(), 0);
-    EXPECT_THAT(m_recorder.take(), ElementsAre(textureCall(), "texture 3553 0"));
+    const std::string sMaxTextureSize = "query 3379";
+    EXPECT_THAT(m_recorder.take(), ElementsAre(sMaxTextureSize, textureCall(), "texture 3553 0"));
 }
 
 TEST_F(InteropRender, TheSecondPaintLoadsEverything)

@@ -115,6 +115,49 @@ TEST_F(RgbProgramTextureTest, ReportsAGlError)
     EXPECT_EQ(CoreLog::instance().messages(), contextLines()) << "and goes on";
 }
 
+// Sizes over which drivers end the process do not get there, and the report is the one of a refused size.
+TEST_F(RgbProgramTextureTest, ASizeThatNoTextureHasStaysWithoutStorage)
+{
+    GLint nMax = 0;
+    m_gl.gl().glGetIntegerv(GL_MAX_TEXTURE_SIZE, &nMax);
+    m_recorder.m_blSurroundings = true;
+    for (const auto &[nWidth, nHeight] :
+         {std::pair{134217728, 16}, std::pair{16, 134217728}, std::pair{nMax + 1, 1}, std::pair{1, nMax + 1},
+          std::pair{INT32_MAX, INT32_MAX}, std::pair{-1, 16}, std::pair{16, INT32_MIN}}) {
+        SCOPED_TRACE(std::to_string(nWidth) + " x " + std::to_string(nHeight));
+        CoreLog::instance().clear();
+        m_recorder.take();
+        RgbProgram program(&m_nOwner);
+        EXPECT_EQ(program.BindEglTextures(k_texture, nWidth, nHeight), 0);
+        for (const std::string &sCall : m_recorder.take()) {
+            EXPECT_NE(sCall.rfind("image ", 0), 0u) << sCall;
+        }
+        EXPECT_TRUE(exists(program.Texture()));
+        EXPECT_EQ(m_gl.gl().glGetError(), static_cast<GLenum>(GL_NO_ERROR));
+        const std::vector<CoreLogRecord> vecRecords = CoreLog::instance().records();
+        EXPECT_TRUE(isErrorRecord(vecRecords, 0, "CLS_D3D11EGL", "CLS_D3D11EGL::BindEglTextures",
+                                  "glGetError() != GL_NO_ERROR glBindTexture err = 1281"));
+        EXPECT_EQ(CoreLog::instance().errors().size(), 1u);
+        EXPECT_EQ(CoreLog::instance().messages(), contextLines()) << "and goes on";
+    }
+}
+
+TEST_F(RgbProgramTextureTest, TheLargestTextureHasStorage)
+{
+    const size_t nErrors = errorsOfTheFormat();
+    GLint nMax = 0;
+    m_gl.gl().glGetIntegerv(GL_MAX_TEXTURE_SIZE, &nMax);
+    m_recorder.m_blSurroundings = true;
+    m_recorder.take();
+    RgbProgram program(&m_nOwner);
+    EXPECT_EQ(program.BindEglTextures(k_texture, nMax, 1), 0);
+    const auto vecCalls = m_recorder.take();
+    EXPECT_EQ(std::count_if(vecCalls.begin(), vecCalls.end(),
+                            [](const std::string &sCall) { return sCall.rfind("image ", 0) == 0; }),
+              1);
+    EXPECT_EQ(CoreLog::instance().errors().size(), nErrors);
+}
+
 TEST_F(RgbProgramTextureTest, AnotherOneReplacesItUnderAnotherName)
 {
     RgbProgram program(&m_nOwner);
