@@ -8,6 +8,7 @@
 
 #include <QRect>
 #include <QSize>
+#include <atomic>
 #include <cstdint>
 #include <memory>
 
@@ -21,10 +22,11 @@ class D3D11VP;
 // them into the current OpenGL ES framebuffer. Between the two stands a BGRA texture on the host's device,
 // which the video processor converts into and OpenGL ES sees through an EGL pbuffer.
 //
-// SetDevice, SetFrame, ClearFramePending and the picture settings are called on host threads under the
-// renderer's frame mutex; everything else on the painting thread, under the same mutex, with the widget's
-// context current. The constructor uses neither GL nor EGL. DestroyEglResource comes before the destructor
-// where HoldsContextObjects() says that there is something to destroy.
+// SetDevice, SetFrame and the picture settings are called on host threads under the renderer's frame mutex,
+// ClearFramePending on any thread with or without it; everything else on the painting thread, under the same
+// mutex, with the widget's context current, unless said otherwise. The constructor uses neither GL nor EGL.
+// DestroyEglResource comes before the destructor where HoldsContextObjects() says that there is something to
+// destroy.
 class CLS_D3D11EGL
 {
 public:
@@ -40,7 +42,8 @@ public:
     virtual void *Device() const;
     // Takes over a VideoFrameDesc of nLength bytes. The result carries no meaning: it is always -1.
     virtual int32_t SetFrame(const void *pData, int32_t nLength);
-    // Forgets that a frame is waiting to be converted.
+    // Forgets that a frame is waiting to be converted. Any thread, without a lock: a paint that has begun to
+    // convert ends that, the next one does not.
     virtual void ClearFramePending();
 
     // Picture adjustments, all 0 by default; ColorMatrix says what they mean.
@@ -122,9 +125,9 @@ private:
     int32_t m_nFrameHeight = 0;
     geometry::NormRect m_rcDrawArea;
     geometry::NormRect m_rcEZoom;
-    bool m_blMapped = false; // the surface holds a converted frame and the texture shows it
-    bool m_blFramePending = false;
-    bool m_blConvertAgain = false; // the picture went with its context
+    bool m_blMapped = false;                   // the surface holds a converted frame and the texture shows it
+    std::atomic<bool> m_blFramePending{false}; // cleared without the lock
+    bool m_blConvertAgain = false;             // the picture went with its context
     int32_t m_nRotateDirection = 0;
     int32_t m_nRotateAngle = 0;
     int32_t m_nMirror = 0;

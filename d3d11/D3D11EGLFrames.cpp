@@ -1,4 +1,4 @@
-// What a host hands to CLS_D3D11EGL. Any thread, the renderer's frame mutex held.
+// What a host hands to CLS_D3D11EGL. Any thread, the renderer's frame mutex held, but for ClearFramePending.
 #include "d3d11/CLS_D3D11EGL.h"
 
 #include "d3d11/D3D11VP.h"

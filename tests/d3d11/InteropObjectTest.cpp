@@ -8,10 +8,12 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cmath>
 #include <cstddef>
 #include <cstdio>
 #include <cstring>
+#include <thread>
 
 namespace {
 
@@ -146,6 +148,31 @@ TEST_F(InteropObject, AFrameForgottenBeforeItsConversionDoesNotShow)
     EXPECT_EQ(render(), 0);
     EXPECT_TRUE(isGrey(0));
     EXPECT_EQ(softd3d11::CallCount(softd3d11::Method::VideoContextVideoProcessorBlt), 0U);
+}
+
+// A clear comes from a host's thread whenever it likes, between the steps of a paint too.
+TEST_F(InteropObject, FramesAreForgottenOnAnotherThreadWhileOthersAreShown)
+{
+    start();
+    std::atomic<bool> blEnough{false};
+    std::atomic<int> nClears{0};
+    std::thread clearing([&] {
+        while (!blEnough) {
+            m_pEgl->ClearFramePending();
+            ++nClears;
+        }
+    });
+    for (int n = 0; n < 20 || nClears < 20; ++n) {
+        setGrey(100);
+        EXPECT_EQ(render(), 0);
+        EXPECT_TRUE(isGrey(100));
+    }
+    blEnough = true;
+    clearing.join();
+    setGrey(40);
+    EXPECT_EQ(render(), 0);
+    EXPECT_EQ(render(), 0);
+    EXPECT_TRUE(isGrey(40));
 }
 
 TEST_F(InteropObject, SizeZeroBeforeTheFirstFrame)
