@@ -173,7 +173,7 @@ void CLS_D3D11EGL::ReleaseEGL()
 bool CLS_D3D11EGL::HoldsContextObjects() const
 {
     return m_eglSurface != EGL_NO_SURFACE || m_program.Program() != nullptr || m_program.Texture() != 0 ||
-           m_pGeometryRenderer != nullptr;
+           (m_pGeometryRenderer != nullptr && m_pGeometryRenderer->holdsObjects());
 }
 
 void CLS_D3D11EGL::DestroyEglResource()
@@ -209,7 +209,9 @@ void CLS_D3D11EGL::ReleaseContextObjects()
     ReleaseEGL();
     m_program.DestroyProgram();
     m_program.DestroyTextures();
-    m_pGeometryRenderer.reset();
+    if (m_pGeometryRenderer != nullptr) {
+        m_pGeometryRenderer->destroy();
+    }
     m_colorMatrix.invalidate();
     m_nBoundTexture = 0;
     m_szTooLarge = QSize(); // the next context may have other textures

@@ -78,7 +78,8 @@ public:
     // Releases everything, the device included. Qt's current context stays current.
     virtual void DestroyEglResource();
     // Releases what belongs to the context that is current and about to go; device and frame stay, and
-    // InitD3D11EGL builds the rest again in another context.
+    // InitD3D11EGL builds the rest again in another context. As after DestroyEglResource the picture is then drawn
+    // without a vertex array object, for its layout stays what it was.
     virtual void ReleaseContextObjects();
 
 private:

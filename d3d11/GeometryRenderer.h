@@ -34,8 +34,11 @@ public:
     void updateGeometry(std::unique_ptr<Geometry> pGeometry);
     // Draws the geometry with the program that is bound; nothing without a geometry.
     void render();
-    // Destroys buffers, vertex array object and geometry.
+    // Destroys buffers, vertex array object and geometry. The layout stays known, so that the next update, in
+    // another context too, makes the buffers again and the vertex array object not.
     void destroy();
+    // Whether there are buffers or a vertex array object. Any context.
+    bool holdsObjects() const { return m_vbo.isCreated() || m_ibo.isCreated() || hasVao(); }
 
     // Null before the first update and after destroy().
     const Geometry *geometry() const { return m_pGeometry.get(); }

@@ -1,9 +1,13 @@
 // What a pane leaves of the host's objects: hidden, released on another thread, moved to another window.
 #include "HardwarePane.h"
 
+#include <gmock/gmock.h>
+
 namespace {
 
 using namespace xelttest;
+using testing::Contains;
+using testing::Not;
 
 class InteropLife : public HardwarePane
 {
@@ -79,6 +83,33 @@ TEST_F(InteropLife, AKeptPictureMovesAlongToAnotherWindow)
         ASSERT_TRUE(pump([&] { return pTarget->paints(pane) >= nBefore + 2; }));
         EXPECT_TRUE(imageMatches(grab(pane), hardwareReference(), k_converted));
     }
+}
+
+// The layout is known from the first window, so the buffer is filled anew and no vertex array object made.
+TEST_F(InteropLife, InAnotherWindowThePictureIsDrawnWithoutAVertexArray)
+{
+    void *const pane = handle();
+    HostWindow other(nullptr);
+    for (HostWindow *pTarget : {&other, &window()}) {
+        QtMessages messages;
+        const int nBefore = pTarget->paints(pane);
+        pTarget->adopt(pane);
+        ASSERT_TRUE(pTarget->showAndWait());
+        if (rendererType() == 7) { // whose frame counts as gone
+            const VideoFrameDesc desc = m_textures->frame(0);
+            ASSERT_EQ(Xelt_ShowYuvFrame(pane, &desc, sizeof desc), 0);
+            grab(pane);
+        } else {
+            ASSERT_TRUE(pump([&] { return pTarget->paints(pane) >= nBefore + 2; }));
+        }
+        EXPECT_TRUE(imageMatches(grab(pane), hardwareReference(), k_converted));
+        const auto vecMessages = messages.take();
+        EXPECT_THAT(vecMessages, Contains(debugLine("creating VBO...")).Times(1));
+        EXPECT_THAT(vecMessages, Not(Contains(debugLine("creating VAO..."))));
+        EXPECT_THAT(vecMessages, Not(Contains(debugLine("vao updated"))));
+    }
+    ASSERT_EQ(submitSlice(makePlanes(Pattern::Ramp, 96, 64, 5)), 0);
+    EXPECT_TRUE(shows("a frame after the moves"));
 }
 
 } // namespace

@@ -405,13 +405,21 @@ TEST_F(InteropObject, ALostContextIsReplaced)
     EXPECT_EQ(softegl::LiveSurfaces(), 0U);
     EXPECT_EQ(m_pEgl->Device(), m_device.Get());
     EXPECT_FALSE(m_pEgl->BindProgram());
+    EXPECT_FALSE(m_pEgl->HoldsContextObjects());
     m_pGl.reset();
     m_pGl = std::make_unique<OffscreenGl>(k_size);
+    QtMessages messages;
     ASSERT_EQ(m_pEgl->InitD3D11EGL(), 0);
     EXPECT_EQ(render(), 0);
     EXPECT_TRUE(isGrey(0));
     EXPECT_EQ(render(), 0);
     EXPECT_TRUE(isGrey(100)) << "the last frame shows again";
+    const auto vecMessages = messages.take();
+    EXPECT_THAT(vecMessages, Contains(debugLine("creating VBO...")));
+    EXPECT_THAT(vecMessages, Not(Contains(debugLine("creating VAO..."))));
+    EXPECT_TRUE(m_pEgl->HoldsContextObjects());
+    m_pEgl->DestroyEglResource();
+    EXPECT_FALSE(m_pEgl->HoldsContextObjects());
 }
 
 TEST_F(InteropObject, ItsEndIsSaidToQt)
