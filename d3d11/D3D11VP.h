@@ -37,7 +37,8 @@ public:
     void setColorRange(int32_t nColorRange) { m_colorRange = nColorRange; }
 
     // Makes enumerator, processor and output view fit an input of that size and DXGI_FORMAT. False, with a
-    // warning, when that fails; the next call tries again.
+    // warning, when that fails; the next call tries again. Of a device without video processing the constructor
+    // has warned.
     bool ensureResource(uint32_t nWidth, uint32_t nHeight, uint32_t nFormat);
     // Converts slice nIndex into the output texture. False, with a warning or a log line, when that fails.
     bool process(ID3D11Texture2D *pTexture, uint32_t nIndex);

@@ -40,7 +40,7 @@ public:
     // Whether there are buffers or a vertex array object. Any context.
     bool holdsObjects() const { return m_vbo.isCreated() || m_ibo.isCreated() || hasVao(); }
 
-    // Null before the first update and after destroy().
+    // Null before the first update, after one with null and after destroy().
     const Geometry *geometry() const { return m_pGeometry.get(); }
     // Whether the owner has to build and upload a geometry before the next draw. Any context.
     bool needsUpdate() const { return m_blGeometryDirty || m_pGeometry == nullptr; }

@@ -80,7 +80,7 @@ public:
     QOpenGLShaderProgram *Program() const { return m_pProgram.get(); }
     const rgb::UniformLocations &Locations() const { return m_locations; }
     const QVector<int32_t> &SamplerLocations() const { return m_vecSamplers; }
-    // Name of the texture at GL_TEXTURE_2D; 0 before BindEglTextures().
+    // Name of the texture at GL_TEXTURE_2D; 0 before BindEglTextures() and after DestroyTextures().
     uint32_t Texture() const { return m_vecTextures.isEmpty() ? 0 : m_vecTextures.first(); }
 
 private:
