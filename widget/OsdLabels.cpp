@@ -1,12 +1,12 @@
 // The text labels of CLS_ShaderBase. GUI thread.
 #include "widget/CLS_ShaderBase.h"
+#include "widget/LabelText.h"
 
 #include <QDebug>
 #include <QFont>
 #include <QLabel>
 #include <QMutexLocker>
 #include <QTextCodec>
-#include <QTextDocument>
 #include <QThread>
 #include <algorithm>
 #include <bitset>
@@ -87,8 +87,7 @@ void ApplyRecord(QLabel &label, const XeltDrawInfo &record)
         label.clear();
         return;
     }
-    // Markup could name files and addresses; a host's text opens neither.
-    const Qt::TextFormat format = Qt::mightBeRichText(strText) ? Qt::PlainText : Qt::AutoText;
+    const Qt::TextFormat format = labels::FormatFor(strText);
     if (label.textFormat() != format) {
         label.clear(); // or the text before would be read in the new format
         label.setTextFormat(format);
