@@ -12,15 +12,15 @@ namespace {
 // A character reference may spell another one; Qt resolves them once.
 constexpr int kPasses = 4;
 
-// Where Qt's parsers learn what to load. A link needs its href, a picture its img; a style sheet's import may come
-// with nothing but a string.
+// Where Qt's parsers learn what to load. A link needs its href, a picture its img; a style sheet's import may
+// come with nothing but a string.
 constexpr const char *kLoadingWords[] = {"img", "src", "href", "background", "url", "@import"};
 
 // Qt makes a cell for each row and column that one spans.
 constexpr const char *kSpanningWords[] = {"colspan", "rowspan"};
 
-// The character that a reference like "&#105;" or "&#x69" stands for, empty when it is none; nEnd is behind it.
-// Numbers are as sloppy as Qt takes them. Of the named ones none stands for a letter that matters.
+// The character that a reference like "&#105;" or "&#x69" stands for, empty when it is none; nEnd is behind
+// it. Numbers are as sloppy as Qt takes them. Of the named ones none stands for a letter that matters.
 QString Referenced(const QString &strText, int nStart, int &nEnd)
 {
     const int nSemicolon = strText.indexOf(QLatin1Char(';'), nStart);
@@ -57,8 +57,8 @@ template <size_t nCount> bool ContainsAny(const QString &strText, const char *co
                        [&strText](const char *pszWord) { return strText.contains(QLatin1String(pszWord)); });
 }
 
-// Escapes can spell every word of a style sheet. So can comments and stray end tags within a style element, from
-// which Qt drops them.
+// Escapes can spell every word of a style sheet. So can comments and stray end tags within a style element,
+// from which Qt drops them.
 bool HidesWords(const QString &strFolded)
 {
     if (!strFolded.contains(QLatin1String("style"))) {
@@ -70,14 +70,14 @@ bool HidesWords(const QString &strFolded)
     return strFolded.contains(QLatin1Char('\\')) || strTight.contains(QLatin1String("<style"));
 }
 
-// Whether a number of five digits or more, or with an exponent, may be the value of an attribute or, where there are
-// styles, of a property; colours are none. Qt may lay a page of such a size out without end.
+// Whether a number of five digits or more, with an exponent, or infinite may be the value of an attribute or,
+// where there are styles, of a property; colours are none. Qt may lay a page of such a size out without end.
 bool GivesHugeSizes(const QString &strFolded)
 {
     static const QRegularExpression attribute(
-        QStringLiteral(R"([="'](?:[^<>=:"'#]|#[0-9a-z]*+)*?(?:\d{5}|\d\.?e[+-]?\d))"));
+        QStringLiteral(R"([="'](?:[^<>=:"'#]|#[0-9a-z]*+)*?(?:\d{5}|\d\.?e[+-]?\d|\b(?:inf|nan)))"));
     static const QRegularExpression property(
-        QStringLiteral(R"([=:"'](?:[^<>=:"'#]|#[0-9a-z]*+)*?(?:\d{5}|\d\.?e[+-]?\d)|/\*)"));
+        QStringLiteral(R"([=:"'](?:[^<>=:"'#]|#[0-9a-z]*+)*?(?:\d{5}|\d\.?e[+-]?\d|\b(?:inf|nan))|/\*)"));
     const bool blStyled = strFolded.contains(QLatin1String("style"));
     return strFolded.contains(blStyled ? property : attribute);
 }

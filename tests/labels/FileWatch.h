@@ -1,4 +1,4 @@
-// Whether a file is opened or read.
+// Whether a file is opened, read or, where that can be seen, asked about.
 #pragma once
 
 #include <QString>

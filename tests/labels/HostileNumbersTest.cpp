@@ -76,4 +76,30 @@ TEST_P(HostileNumbers, FontsOfAnySize)
     EXPECT_EQ(shown("warm-up"), "warm-up");
 }
 
+// Some of these sizes keep Qt busy without end when it follows them.
+TEST_P(HostileNumbers, MarkupOfAnySize)
+{
+    shown("warm-up");
+    const size_t nBefore = residentBytes();
+    QElapsedTimer elapsed;
+    elapsed.start();
+    for (const QByteArray &abText :
+         {QByteArray("<td style=\"padding:99999999px\">x"), QByteArray("<td style=\"padding:1e30px\">x"),
+          QByteArray("<td style=\"padding:inf\">x<td>y"),
+          QByteArray("<body>x<br>y<center style=\"margin-top:9999999px\">z"),
+          QByteArray("<table><td colspan=9999><tr><td rowspan=9999><tr><td colspan=9999>x"),
+          QByteArray("<p style='margin:/*>*/99999999px'>x"), QByteArray("<font size=+999999999>x"),
+          QByteArray("<span style='font-size:9999px'>x"), QByteArray("<span style='font-size:9999pt'>x"),
+          QByteArray("<hr width=999999999>"), QByteArray("<hr width=9999>"),
+          QByteArray("<p style='margin:9999px;text-indent:-9999px'>x"),
+          QByteArray("<ol start=-2147483648><li>x"),
+          QByteArray("<table border=9999 cellspacing=9999 width=9999><td>x"), QByteArray("<b>").repeated(45),
+          QByteArray("<ul>").repeated(34), QByteArray("<ol><li>").repeated(17),
+          QByteArray("<table><td>").repeated(12), QByteArray("<td>").repeated(34)}) {
+        EXPECT_EQ(shown(abText), QString::fromUtf8(abText));
+        EXPECT_LT(elapsed.restart(), k_nPatienceMs) << abText.constData();
+        EXPECT_LT(grown(nBefore), 64 << 20) << abText.constData();
+    }
+}
+
 } // namespace
