@@ -76,20 +76,21 @@ constexpr const char *k_apszOdd[] = {
     "<html><head><link href=%1 type=text/css></head>x",
 };
 
-using Spelling = QByteArray (*)(QByteArray);
+using Spelling = QByteArray (*)(const QByteArray &);
 
-QByteArray asItIs(QByteArray abText)
+QByteArray asItIs(const QByteArray &abText)
 {
     return abText;
 }
 
-QByteArray inCapitals(QByteArray abText)
+QByteArray inCapitals(const QByteArray &abText)
 {
     return abText.toUpper();
 }
 
-QByteArray inMixedCase(QByteArray abText)
+QByteArray inMixedCase(const QByteArray &abForm)
 {
+    QByteArray abText = abForm;
     const QByteArray abCapitals = abText.toUpper();
     for (int i = 0; i < abText.size(); i += 2) {
         abText[i] = abCapitals[i];
@@ -97,34 +98,38 @@ QByteArray inMixedCase(QByteArray abText)
     return abText;
 }
 
-QByteArray withWideSpaces(QByteArray abText)
+QByteArray withWideSpaces(const QByteArray &abForm)
 {
+    QByteArray abText = abForm;
     return abText.replace(' ', " \n\t\r ").replace('=', "\n=\t");
 }
 
-QByteArray withDecimalReferences(QByteArray abText)
+QByteArray withDecimalReferences(const QByteArray &abForm)
 {
+    QByteArray abText = abForm;
     for (const char *pszWord : {"img", "src", "background", "url", "href", "import", "style"}) {
         abText.replace(pszWord, "&#" + QByteArray::number(pszWord[0]) + ';' + (pszWord + 1));
     }
     return "<b>x</b>" + abText;
 }
 
-QByteArray withHexReferences(QByteArray abText)
+QByteArray withHexReferences(const QByteArray &abForm)
 {
+    QByteArray abText = abForm;
     for (const char *pszWord : {"mg", "rc", "ground", "rl", "ref", "port", "yle"}) {
         abText.replace(pszWord, "&#x" + QByteArray::number(pszWord[0], 16) + ';' + (pszWord + 1));
     }
     return "<b>x</b>" + abText;
 }
 
-QByteArray withOtherQuotes(QByteArray abText)
+QByteArray withOtherQuotes(const QByteArray &abForm)
 {
+    QByteArray abText = abForm;
     abText.replace('"', '\x01').replace('\'', '"').replace('\x01', '\'');
     return abText;
 }
 
-QByteArray withinBrokenNesting(QByteArray abText)
+QByteArray withinBrokenNesting(const QByteArray &abText)
 {
     return "<p><table></p><b>" + abText + "</td>";
 }

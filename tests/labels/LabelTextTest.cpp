@@ -7,6 +7,7 @@
 #include <QPainter>
 #include <QTextDocument>
 
+#include <iterator>
 #include <random>
 
 namespace {
@@ -40,103 +41,50 @@ private:
     int m_nLoads = 0;
 };
 
-constexpr const char *k_apszPieces[] = {
-    "<",
-    "</",
-    ">",
-    "=",
-    "\"",
-    "'",
-    " ",
-    "\t",
-    "/",
-    "f",
-    "img",
-    "i",
-    "mg",
-    "src",
-    "s",
-    "rc",
-    "style",
-    "<style>",
-    "</style>",
-    "<p style='",
-    "<td style=\"",
-    "@im",
-    "port 'f';",
-    "@import",
-    "'f'",
-    ";",
-    "url",
-    "u",
-    "rl",
-    "(f)",
-    "back",
-    "ground",
-    "background",
-    ":",
-    "<!--",
-    "-->",
-    "<!",
-    "</q>",
-    "<br>",
-    "<b>",
-    "<p",
-    "<table",
-    "<tr>",
-    "<td",
-    "<body",
-    "<link",
-    "href=f",
-    "type=text/css",
-    "lin\u212A",
-    "\u017F",
-    "\u212A",
-    "&#",
-    "&#x",
-    "105",
-    "&#105;",
-    "&#x69;",
-    "&#109;",
-    "&#114;",
-    "&#+115;",
-    "&#64;",
-    "&#60;",
-    "&#34;",
-    "&#32;",
-    "&#0;",
-    "&#92;",
-    "\\",
-    "\\69",
-    "\\75 ",
-    "{",
-    "}",
-    "p{",
-    "/*",
-    "*/",
-    "<head>",
-    "<html>",
-    "<ul",
-    "<!--StartFragment-->",
-    "<!--EndFragment-->",
+constexpr const char *k_apszForms[] = {
     "<img src=f>",
-    "<\"style\">",
-    "<body background=f>",
-    "<p>",
-    "color:red",
-    "&lt;",
-    "\u3000",
-    "<img ",
-    "src=f",
+    "<body background=f>x",
+    "<p style='background:url(f)'>x",
+    "<link href=f type=text/css>x",
+    "<style>@import 'f';</style>x",
+    "<style>p{background:url(f)}</style><p>x",
+    "<i style=\"color:red\">x</i>",
+    "<table border=1><tr><td>x</table>",
 };
 
+constexpr const char *k_apszPieces[] = {
+    "<",    ">",    "</",   "=",      "\"",       "'",       " ",          "\n",     "/",        "style",
+    "<!--", "-->",  "<!>",  "</q>",   "<br>",     "<b>",     "<p style='", "\u3000", "&",        "&#",
+    "#x69", "&#0;", "\\",   "\\69",   "&#92;75 ", "{",       "}",          "/*",     "*/",       ";",
+    "url(", "@im",  "&lt;", "\u212A", "\u017F",   "<style>", "<html>",     "<head>", "</style>",
+};
+
+QString reference(std::mt19937 &random, ushort nCharacter)
+{
+    const bool blHex = random() % 2 == 0;
+    return QLatin1String(blHex ? "&#x" : "&#") + QString::number(nCharacter, blHex ? 16 : 10) +
+           QLatin1Char(';');
+}
+
+// Two forms, with some characters spelled in other ways and some put between.
 QString randomText(std::mt19937 &random)
 {
-    QString strText = QStringLiteral("<b>");
-    for (size_t i = 3 + random() % 12; i > 0; --i) {
-        strText += QString::fromUtf8(k_apszPieces[random() % std::size(k_apszPieces)]);
+    QString strText = QString::fromUtf8(k_apszForms[random() % std::size(k_apszForms)]);
+    strText += QString::fromUtf8(k_apszForms[random() % std::size(k_apszForms)]);
+    for (size_t i = random() % 7; i > 0; --i) {
+        const int nAt = static_cast<int>(random() % static_cast<unsigned>(strText.size()));
+        switch (random() % 3) {
+        case 0:
+            strText.insert(nAt, QString::fromUtf8(k_apszPieces[random() % std::size(k_apszPieces)]));
+            break;
+        case 1:
+            strText.replace(nAt, 1, reference(random, strText.at(nAt).unicode()));
+            break;
+        default:
+            strText.replace(nAt, 1, strText.at(nAt).toUpper());
+        }
     }
-    return strText;
+    return QLatin1String("<b>") + strText;
 }
 
 TEST(LabelText, WhateverLoadsIsNamed)
