@@ -1,28 +1,42 @@
 #include "interface/RendererRegistry.h"
 
-void RendererRegistry::Insert(void *handle, QMutex *pMutex)
+#include "widget/InsideScope.h"
+
+#include <chrono>
+#include <utility>
+
+std::unique_lock<QMutex> RendererEntry::Lock(Patience patience) const
 {
-    m_mapMutexes.insert_or_assign(handle, pMutex);
+    constexpr auto busyTimeout = std::chrono::milliseconds(500);
+    if (patience == Patience::WithoutLimit && !InsideScope::IsInsideAny()) {
+        return std::unique_lock<QMutex>(*pMutex);
+    }
+    return std::unique_lock<QMutex>(*pMutex, busyTimeout);
 }
 
-QMutex *RendererRegistry::Remove(void *handle)
+void RendererRegistry::Insert(void *handle, EntryPtr pEntry)
 {
-    const auto it = m_mapMutexes.find(handle);
-    if (it == m_mapMutexes.end()) {
+    m_mapEntries.insert_or_assign(handle, std::move(pEntry));
+}
+
+RendererRegistry::EntryPtr RendererRegistry::Remove(void *handle)
+{
+    const auto it = m_mapEntries.find(handle);
+    if (it == m_mapEntries.end()) {
         return nullptr;
     }
-    QMutex *pMutex = it->second;
-    m_mapMutexes.erase(it);
-    return pMutex;
+    EntryPtr pEntry = std::move(it->second);
+    m_mapEntries.erase(it);
+    return pEntry;
 }
 
-QMutex *RendererRegistry::Find(void *handle, int nTimeout)
+RendererRegistry::EntryPtr RendererRegistry::Find(void *handle, int nTimeout)
 {
     if (!m_lock.tryLockForRead(nTimeout)) {
         return nullptr;
     }
-    const auto it = m_mapMutexes.find(handle);
-    QMutex *pMutex = it != m_mapMutexes.end() ? it->second : nullptr;
+    const auto it = m_mapEntries.find(handle);
+    EntryPtr pEntry = it != m_mapEntries.end() ? it->second : nullptr;
     m_lock.unlock();
-    return pMutex;
+    return pEntry;
 }

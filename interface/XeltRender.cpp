@@ -2,29 +2,29 @@
 // before the renderer's is taken, so the two never nest.
 #include "interface/XeltRender.h"
 
+#include "interface/RendererEnd.h"
 #include "interface/RendererRegistry.h"
 #include "log/CLS_OmbrixApi.h"
+#include "log/QtMessages.h"
 #include "platform/Compiler.h"
+#include "widget/InsideScope.h"
 #include "yuv/CLS_ShaderYuv.h"
 #include "yuv/CLS_ShaderYuvSubImage.h"
 
 #include <QApplication>
 #include <QMutex>
-#include <QMutexLocker>
-#include <QThread>
 #include <algorithm>
-#include <chrono>
 #include <cstring>
 #include <memory>
 #include <mutex>
 #include <new>
+#include <utility>
 
 namespace {
 
 constexpr char kFile[] = "XeltRender";
 constexpr int kFindTimeout = 500;    // ms
 constexpr int kCreateTimeout = 2000; // ms
-constexpr auto kFrameTimeout = std::chrono::milliseconds(500);
 
 // A pane may outlive the registry when a process ends: this says so, and is there before and after it.
 bool g_blRegistryAlive = false;
@@ -48,16 +48,29 @@ template <class Result, class Body> Result Guarded(Result failure, Body body) no
     }
 }
 
-// Runs a call on a registered renderer under its mutex. -1 when there is no such renderer.
-template <class Call> int32_t OnRenderer(void *handle, Call call) noexcept
+// Runs a call on a registered renderer under its mutex. -1 when there is no such renderer, or none any more when its
+// turn comes, or when this thread is inside the renderer already.
+template <class Call> int32_t OnRenderer(void *handle, Patience patience, Call call) noexcept
 {
     return Guarded(-1, [&]() -> int32_t {
-        QMutex *pMutex = g_registry.Find(handle, kFindTimeout);
-        if (pMutex == nullptr) {
-            return -1;
+        int32_t nResult = -1;
+        CLS_ShaderBase::Afterwards fnAfterwards;
+        {
+            const qtlog::Deferral messages; // the host's handler for them runs when the locks are released
+            const RendererRegistry::EntryPtr pEntry = g_registry.Find(handle, kFindTimeout);
+            if (pEntry == nullptr || pEntry->pMutex == nullptr || InsideScope::IsInside(handle)) {
+                return -1;
+            }
+            const std::unique_lock<QMutex> lock = pEntry->Lock(patience);
+            if (!lock.owns_lock() || pEntry->pRenderer == nullptr) {
+                return -1;
+            }
+            const InsideScope inside(handle);
+            static_cast<void>(pEntry->pRenderer->TakeAfterwards()); // of a call that was left by an exception
+            nResult = call(*pEntry->pRenderer);
+            fnAfterwards = pEntry->pRenderer->TakeAfterwards();
         }
-        const QMutexLocker locker(pMutex);
-        return call(*static_cast<CLS_ShaderBase *>(handle));
+        return fnAfterwards ? fnAfterwards(nResult) : nResult;
     });
 }
 
@@ -81,34 +94,36 @@ std::unique_ptr<CLS_ShaderBase> NewRenderer(int32_t nType)
     }
 }
 
-// Takes a handle out of the registry. Its mutex, null when it is unknown; the caller owns it.
-QMutex *TakeOut(void *handle)
+// A host may destroy a pane with its window and never release it: its handle is unknown from then on. Waits for a
+// call that is still inside, a release on another thread included.
+void ForgetRenderer(void *handle, RendererEntry &entry)
 {
-    const QWriteLocker locker(&g_registry.Lock());
-    return g_registry.Remove(handle);
-}
-
-// A host may destroy a pane with its window and never release it: its handle is unknown from then on. Waits
-// for a call that is still inside.
-void ForgetRenderer(void *pWidget)
-{
-    if (!g_blRegistryAlive) {
-        return;
+    {
+        std::unique_lock<QMutex> lock(*entry.pMutex, std::defer_lock);
+        if (!InsideScope::IsInside(handle)) {
+            lock.lock(); // or this thread has it already
+        }
+        entry.pRenderer = nullptr;
     }
-    const std::unique_ptr<QMutex> pMutex(TakeOut(pWidget));
-    const QMutexLocker locker(pMutex.get());
+    if (g_blRegistryAlive) {
+        const QWriteLocker locker(&g_registry.Lock());
+        g_registry.Remove(handle);
+    }
 }
 
 // Needs the registry's write lock. False without memory.
 bool Register(CLS_ShaderBase *pRenderer)
 {
     try {
-        std::unique_ptr<QMutex> pMutex(new (std::nothrow) QMutex(QMutex::NonRecursive));
-        if (pMutex == nullptr) {
+        const auto pEntry = std::make_shared<RendererEntry>();
+        pEntry->pMutex.reset(new (std::nothrow) QMutex(QMutex::NonRecursive));
+        if (pEntry->pMutex == nullptr) {
             return false;
         }
-        g_registry.Insert(pRenderer, pMutex.get());
-        static_cast<void>(pMutex.release()); // freed by whoever takes the handle out again
+        pEntry->pRenderer = pRenderer;
+        CLS_ShaderBase::DestroyHook fnHook = [pRenderer, pEntry] { ForgetRenderer(pRenderer, *pEntry); };
+        g_registry.Insert(pRenderer, pEntry);
+        pRenderer->SetDestroyHook(std::move(fnHook));
         return true;
     } catch (const std::bad_alloc &) {
         return false;
@@ -122,6 +137,7 @@ struct UnlockOnly
 
 CLS_ShaderBase *CreateShader(int32_t nType)
 {
+    const qtlog::Deferral messages;
     std::unique_ptr<CLS_ShaderBase> pRenderer;
     try {
         pRenderer = NewRenderer(nType);
@@ -144,35 +160,21 @@ CLS_ShaderBase *CreateShader(int32_t nType)
         XELT_REPORT_ERROR(kFile, "CreateShader", "CreateShader failed, type=%d. QMutex alloc faild", nType);
         return nullptr;
     }
-    pRenderer->SetDestroyHook(&ForgetRenderer);
     return pRenderer.release();
-}
-
-// Detaches the widget and leaves its destruction to its own thread's event loop.
-void Dispose(CLS_ShaderBase *pRenderer)
-{
-    if (QThread::currentThread() == pRenderer->thread()) {
-        pRenderer->setParent(nullptr);
-    } else {
-        QMetaObject::invokeMethod(
-            pRenderer, [pRenderer] { pRenderer->setParent(nullptr); }, Qt::QueuedConnection);
-    }
-    pRenderer->deleteLater();
 }
 
 int32_t ReleaseRenderer(void *handle)
 {
     XELT_LOG("[Xelt_Release] pcls = %p", handle);
-    const std::unique_ptr<QMutex> pMutex(TakeOut(handle)); // goes after the locker below
-    if (pMutex == nullptr) {
+    RendererRegistry::EntryPtr pEntry;
+    {
+        const QWriteLocker locker(&g_registry.Lock());
+        pEntry = g_registry.Remove(handle);
+    }
+    if (pEntry == nullptr || pEntry->pMutex == nullptr) {
         return 0;
     }
-    const QMutexLocker locker(pMutex.get()); // waits for a call that is still inside
-    auto *pRenderer = static_cast<CLS_ShaderBase *>(handle);
-    // The widget may live on for a while and be resized; the host's context need not.
-    pRenderer->ForgetDrawInfoCallback();
-    pRenderer->UnInit();
-    Dispose(pRenderer);
+    EndRenderer(handle, pEntry);
     return 0;
 }
 
@@ -225,37 +227,29 @@ XELT_EXPORT int32_t Xelt_Release(void *handle)
 
 XELT_EXPORT int32_t Xelt_SetParam(void *handle, uint32_t cmd, const void *data, uint32_t size)
 {
-    return OnRenderer(handle, [&](CLS_ShaderBase &renderer) {
+    return OnRenderer(handle, Patience::WithoutLimit, [&](CLS_ShaderBase &renderer) {
         return renderer.SetParam(cmd, data, static_cast<int32_t>(size));
     });
 }
 
 XELT_EXPORT int32_t Xelt_GetParam(void *handle, uint32_t cmd, void *data, uint32_t size)
 {
-    return OnRenderer(handle, [&](CLS_ShaderBase &renderer) {
+    return OnRenderer(handle, Patience::WithoutLimit, [&](CLS_ShaderBase &renderer) {
         return renderer.GetParam(cmd, data, static_cast<int32_t>(size));
     });
 }
 
 XELT_EXPORT int32_t Xelt_ShowYuvFrame(void *handle, const void *frame, uint32_t size)
 {
-    return Guarded(-1, [&]() -> int32_t {
-        QMutex *pMutex = g_registry.Find(handle, kFindTimeout);
-        if (pMutex == nullptr) {
-            return -1;
-        }
-        // A frame may be dropped when the renderer is busy; every other call waits its turn.
-        const std::unique_lock<QMutex> lock(*pMutex, kFrameTimeout);
-        if (!lock.owns_lock()) {
-            return -1;
-        }
-        return static_cast<CLS_ShaderBase *>(handle)->ShowYuvFrame(frame, static_cast<int32_t>(size));
+    // A frame may be dropped when the renderer is busy; every other call waits its turn.
+    return OnRenderer(handle, Patience::OfAFrame, [&](CLS_ShaderBase &renderer) {
+        return renderer.ShowYuvFrame(frame, static_cast<int32_t>(size));
     });
 }
 
 XELT_EXPORT void Xelt_ClearDraw(void *handle)
 {
-    OnRenderer(handle, [](CLS_ShaderBase &renderer) {
+    OnRenderer(handle, Patience::WithoutLimit, [](CLS_ShaderBase &renderer) {
         renderer.ClearDraw();
         return 0;
     });

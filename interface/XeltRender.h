@@ -20,13 +20,23 @@
  *   Every function may be called from any thread, except that the creators need the GUI thread. Calls on
  *   one renderer exclude each other. Xelt_ShowYuvFrame waits at most 500 ms for its turn and then drops the
  *   frame; every other call waits as long as it takes. A handle is looked up for at most 500 ms. A paint
- *   excludes Xelt_ShowYuvFrame, Xelt_ClearDraw and Xelt_Release on the same pane: they wait for it.
+ *   excludes Xelt_ShowYuvFrame, and Xelt_ClearDraw and Xelt_Release where they end the picture: they wait for it.
  *   A paint of a Direct3D 11 frame uses the device's immediate context on the GUI thread. The host either
  *   leaves that context alone meanwhile or has multithread protection switched on; then IT MUST NOT CALL
  *   WITH THAT PROTECTION ENTERED, BECAUSE THE PAINT THAT THE CALL WAITS FOR MAY BE WAITING FOR IT.
- *   A HOST MUST NOT RELEASE A RENDERER, NOR DESTROY THE WIDGET, WHILE OTHER CALLS ON IT MAY STILL BE
- *   STARTING OR WAITING FOR THEIR TURN. RELEASE A PANE BEFORE ITS WINDOW IS DESTROYED, AND NOT FROM ANOTHER
- *   THREAD MEANWHILE.
+ *   A renderer may be released, and its widget destroyed with the host's window, while other calls on it are
+ *   starting, waiting or inside: the end waits for the one that is inside, and the others are answered as for an
+ *   unknown handle. ONLY CODE THAT THE LIBRARY CALLS (below) MUST NOT DESTROY THE WIDGET.
+ *
+ * What the library calls
+ *   The overlay callback and the core library's log functions run inside calls and paints, with the renderer's
+ *   locks held. From there a call on the same renderer answers -1 at once, or does nothing; its release is
+ *   finished by the event loop afterwards. A call on another renderer waits at most 500 ms for its turn. NEITHER
+ *   MAY WAIT FOR A THREAD THAT CALLS THE SAME RENDERER, NOR FOR THE GUI THREAD: closing, first showing and moving a
+ *   pane wait for the call that is inside it, and a paint waits for the callback of a submission, up to 500 ms.
+ *   No lock is held while Qt delivers events of the pane and its labels, paints a label parent or hands a message of
+ *   the library's to the host's message handler (with Qt's own messages, of a shader that does not compile, one may
+ *   be): what runs there may call every function, also on the same renderer.
  *
  * Ownership
  *   The library copies what it needs out of every record and every plane before the call returns, except
@@ -74,7 +84,8 @@ enum {
 enum {
     XELTCMD_GET_WINID = 0,       /* native window handle, 8 bytes at most */
     XELTCMD_GET_WIDGET_RECT = 1, /* XeltWidgetRect; 16 BYTES ARE WRITTEN WHATEVER THE LENGTH */
-    XELTCMD_GET_IS_OPENGLES = 3  /* uint32_t, 1 on OpenGL ES; 4 BYTES ARE WRITTEN WHATEVER THE LENGTH */
+    XELTCMD_GET_IS_OPENGLES = 3  /* uint32_t, 1 on OpenGL ES; 4 BYTES ARE WRITTEN WHATEVER THE LENGTH; see
+                                  * Xelt_GetParam for whose context is meant */
 };
 
 /* VideoFrameDesc::nDisplayType */
@@ -121,11 +132,15 @@ typedef struct VideoFrameDesc
     const uint8_t *pFrameData;
     uint32_t nReserved8;
     int32_t nDrawInfoKind; /* any value; handed back in XeltDrawInfoRequest::nKind */
-    int32_t iWidth;        /* pixels, at least 1 */
-    int32_t iHeight;       /* pixels, at least 1 */
+    /* Pixels, each at least 1. Chroma is iWidth / 2 x iHeight / 2, rounded down: a picture that is 1 pixel wide
+     * or high has none, and shows as if every chroma sample were 0. A picture larger than the context's textures is
+     * not drawn, though a frame in memory is accepted; the log says so. */
+    int32_t iWidth;
+    int32_t iHeight;
     /* VIDEO_DISPLAY_DXGL: an ID3D11Texture2D of the device that was set, at least as large as the picture,
      * which lies at its top left. Paints read it, also after the call: a reference is kept until the next
-     * texture, a paint that fails, or the end of drawing. Null keeps the texture there is. */
+     * texture, a paint that fails, a frame of another type, or the end of drawing. Null keeps the texture there
+     * is. */
     void *pD3D11Texture;
     uint64_t nReserved32;
     int32_t nDisplayType; /* VIDEO_DISPLAY_* */
@@ -163,7 +178,8 @@ typedef struct XeltDrawInfo
     int32_t nSize;     /* line width in pixels, at least 1; for text the font size in points */
     int32_t nPointNum; /* number of points; 0 or less: not drawn; at most 32 are read */
     XeltPoint aPoints[XELT_DRAWINFO_MAX_POINTS];
-    /* Ended by a zero byte or by the end of the field. Markup shows as the text that it is. */
+    /* Ended by a zero byte or by the end of the field. What Qt takes for rich text is shown as such, unless it could
+     * name something to load or give sizes without bounds: then it shows as the text that it is. */
     char aText[XELT_DRAWINFO_TEXT_SIZE];
     int32_t nTextEncoding; /* DRAWINFO_ENCODING_* */
     float fOpacity; /* filled areas: 0 draws opaque under the blended ones, otherwise 0..1 over the picture */
@@ -198,8 +214,9 @@ typedef struct XeltDrawInfoRequest
 /*
  * The host's overlay callback. It is called for every accepted frame, on the thread that submits it, and
  * after a resize on the GUI thread: BOTH MAY HAPPEN AT ONCE. Then only the records of the call that began
- * last are kept. It must not call a function of this library on the same renderer, and must not wait for a
- * thread that does.
+ * last are kept. In a submission it runs with the renderer's locks held; what it may call, and what it must not
+ * wait for, stands at the top of this file. What it throws ends at the library; the records that it has delivered
+ * count.
  *   pReserved  null.
  *   pRequest   what is asked; valid during the call.
  *   nLength    88.
@@ -248,13 +265,22 @@ typedef struct XeltRotatePara
     int32_t nMirror;    /* 0 none, 1 left-right, 2 upside down; any other value means none */
 } XeltRotatePara;
 
-/* XELTCMD_SET_DRAW_RATIO_MODE; worked out once, when set: send it again after a resize. */
+/*
+ * XELTCMD_SET_DRAW_RATIO_MODE; worked out once, when set: send it again after a resize. The picture goes from the
+ * first to the last pixel's left and top edge, as for XELTCMD_SET_DRAW_DST_RECT: WITH "FILL" THE WIDGET'S LAST COLUMN
+ * AND ROW STAY BLACK.
+ */
 typedef struct XeltDrawRatioPara
 {
     int32_t nMode; /* 0 keep the frame's aspect ratio, any other value fill the widget */
 } XeltDrawRatioPara;
 
-/* XELTCMD_SET_DRAW_DST_RECT: where the picture goes, in widget pixels with inclusive edges. */
+/*
+ * XELTCMD_SET_DRAW_DST_RECT: where the picture goes, in widget pixels. The edges count as inclusive where the size is
+ * checked, but the picture ends at the left edge of the column `right` and at the top edge of the row `bottom`: those
+ * stay black. {0, 0, width, height} fills a widget of that size to its last pixel; {0, 0, width - 1, height - 1} does
+ * not.
+ */
 typedef struct XeltDrawDstRect
 {
     int32_t left;
@@ -293,7 +319,7 @@ void *Xelt_CreateEx(const void *param, int32_t len);
 
 /*
  * Ends a renderer. Waits for a call that is inside it, and for a paint; the widget is detached from its
- * parent and destroyed by its own thread's event loop.
+ * parent and destroyed by its own thread's event loop. Submissions that a failed hardware path holds up come back.
  *   handle  renderer; null answers -1, an unknown one 0.
  * Returns 0, or -1 for null.
  * Thread: any. May block without limit while another call uses the renderer.
@@ -322,9 +348,13 @@ int32_t Xelt_SetParam(void *handle, uint32_t cmd, const void *data, uint32_t siz
  *   cmd     XELTCMD_GET_*.
  *   data    the host's buffer; never null. IT MUST HOLD THE COMMAND'S WHOLE RESULT, WHATEVER THE SIZE SAYS.
  *   size    bytes at data, at least 1.
+ * XELTCMD_GET_IS_OPENGLES answers for the context that is current on the calling thread, not for the pane's. With
+ * none, as on every decoding thread, it says 1 unless Qt has loaded the desktop OpenGL library: ask where the pane's
+ * context is current.
  * Returns 0, or -1 for an unknown handle or command, a null buffer, a size below 1, or a window handle that
- * is not to be had (off the GUI thread: not within 500 ms).
- * Thread: any. Blocks while another call uses the renderer.
+ * is not to be had (off the GUI thread: one that has to be made first, and the GUI thread does not get to it within
+ * 500 ms; once it has, the next call is answered).
+ * Thread: any. Blocks while another call uses the renderer. While it waits for the GUI thread, other calls go on.
  */
 int32_t Xelt_GetParam(void *handle, uint32_t cmd, void *data, uint32_t size);
 
@@ -335,6 +365,9 @@ int32_t Xelt_GetParam(void *handle, uint32_t cmd, void *data, uint32_t size);
  *   size    bytes at frame, at least 1; at most 112 are read.
  * Returns 0, or -1 for an unknown handle, a busy renderer (500 ms), a null or empty descriptor, a size that
  * is not positive or cannot be stored, and while the last Direct3D 11 draw failed.
+ * After the hardware path of a XELT_RENDERER_YUV could not be initialised ("InitD3D11EGL faild" in the log), A CALL
+ * WAITS UNTIL THE PANE IS RELEASED, DESTROYED OR CLEARED (without the last picture kept) and then answers -1; on the
+ * GUI thread and from inside another renderer it answers -1 at once. It holds nothing else up. A clear ends that.
  * Thread: any. May block up to 500 ms for the registry, 500 ms for the renderer, and for a paint in progress.
  */
 int32_t Xelt_ShowYuvFrame(void *handle, const void *frame, uint32_t size);
@@ -346,7 +379,8 @@ int32_t Xelt_ShowYuvFrame(void *handle, const void *frame, uint32_t size);
  * A sub-image renderer has no second clear, and leaves its widget as it is when the last frame came with
  * nDataLen.
  *   handle  renderer; an unknown one is ignored.
- * Thread: any. Blocks while another call uses the renderer, and for a paint in progress.
+ * Thread: any. Blocks while another call uses the renderer, and for a paint in progress unless the last picture is
+ * kept.
  */
 void Xelt_ClearDraw(void *handle);
 

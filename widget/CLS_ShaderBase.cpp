@@ -1,13 +1,16 @@
 #include "widget/CLS_ShaderBase.h"
 
-#include "log/CLS_OmbrixApi.h"
+#include "widget/InsideScope.h"
 
 #include <QEvent>
 #include <QLabel>
 #include <QLayout>
+#include <QMutexLocker>
 #include <QOpenGLContext>
 #include <QThread>
+#include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <limits>
 
 namespace {
@@ -23,12 +26,21 @@ uint64_t AlignmentSlack(uint64_t nWidth, uint64_t nHeight)
     return nRead > nFrame ? nRead - nFrame : 0;
 }
 
+// Whether the host gave something to copy: without, a buffer keeps its contents.
+bool HasPixels(const VideoFrameDesc &frame)
+{
+    const bool blPlanes =
+        frame.nDisplayType == VIDEO_DISPLAY_NV12 && frame.pPlaneY != nullptr && frame.pPlaneUV != nullptr;
+    return blPlanes || frame.pFrameData != nullptr;
+}
+
 } // namespace
 
 CLS_ShaderBase::CLS_ShaderBase(QWidget *pParent) : QOpenGLWidget(pParent)
 {
     m_rcDrawArea = m_rcEZoom;
-    connect(this, &CLS_ShaderBase::signalDrawTextInfo, this, [this] { AddLabel(); });
+    connect(this, &CLS_ShaderBase::signalDrawTextInfo, this,
+            [this] { RunUnlocked(&CLS_ShaderBase::AddLabel); });
 }
 
 // The renderers free the frame buffer. Labels go with their parent.
@@ -86,21 +98,24 @@ int32_t CLS_ShaderBase::InitFrameBuffer(int32_t nWidth, int32_t nHeight, int32_t
 }
 
 bool CLS_ShaderBase::EnsureFrameBuffer(const VideoFrameDesc &frame, MissingBuffer missing,
-                                       const char *pszFile, const char *pszFunction, int32_t &nResult)
+                                       const LogPosition &position, int32_t &nResult)
 {
     nResult = -1;
     const bool blOtherLength = frame.nDataLen > 0 && frame.nDataLen != m_nFrameBufferSize;
+    // An earlier frame may have declared less than a whole one.
+    const bool blTooShort =
+        frame.nDataLen <= 0 && m_pFrameBuffer != nullptr && !HoldsWholeFrame() && HasPixels(frame);
     const bool blOtherSize = frame.iWidth != m_nVideoWidth || frame.iHeight != m_nVideoHeight;
     const bool blMissing = missing == MissingBuffer::Allocate && m_pFrameBuffer == nullptr;
-    if (blOtherLength || blMissing || blOtherSize) {
+    if (blOtherLength || blTooShort || blMissing || blOtherSize) {
         nResult = InitFrameBuffer(frame.iWidth, frame.iHeight, frame.nDataLen);
     }
     if (m_pFrameBuffer == nullptr) {
         return false;
     }
     if (frame.iWidth < 1 || frame.iHeight < 1) {
-        XELT_REPORT_ERROR(pszFile, pszFunction, "ShowYuvFrame iWidth = %d iHeight = %d is invalid param",
-                          frame.iWidth, frame.iHeight);
+        XELT_REPORT_ERROR_FROM(position, "ShowYuvFrame iWidth = %d iHeight = %d is invalid param",
+                               frame.iWidth, frame.iHeight);
         return false;
     }
     return true;
@@ -121,6 +136,20 @@ bool CLS_ShaderBase::HoldsWholeFrame() const
     return m_nFrameBufferBytes >= nPixels * 3 / 2;
 }
 
+bool CLS_ShaderBase::FitsTextures(int32_t nLargest, const LogPosition &position)
+{
+    const QSize size(m_nVideoWidth, m_nVideoHeight);
+    if (size.width() <= nLargest && size.height() <= nLargest) {
+        return true;
+    }
+    if (std::find(m_aszTooLarge.begin(), m_aszTooLarge.end(), size) == m_aszTooLarge.end()) {
+        m_aszTooLarge[m_nTooLarge++ % m_aszTooLarge.size()] = size;
+        XELT_REPORT_ERROR_FROM(position, "frame %d x %d is larger than the context's textures, %d",
+                               size.width(), size.height(), nLargest);
+    }
+    return false;
+}
+
 bool CLS_ShaderBase::IsContextCurrent() const
 {
     if (QThread::currentThread() != thread()) {
@@ -132,10 +161,40 @@ bool CLS_ShaderBase::IsContextCurrent() const
 
 void CLS_ShaderBase::BeginDestruction()
 {
-    if (m_pfnDestroyHook != nullptr) {
-        m_pfnDestroyHook(this);
-        m_pfnDestroyHook = nullptr;
+    if (m_fnDestroyHook) {
+        std::exchange(m_fnDestroyHook, nullptr)();
     }
+}
+
+int32_t CLS_ShaderBase::AfterCall(Afterwards fnAfterwards, int32_t nResult)
+{
+    if (!InsideScope::IsInside(this)) {
+        return fnAfterwards(nResult);
+    }
+    m_fnAfterwards = std::move(fnAfterwards);
+    return nResult;
+}
+
+void CLS_ShaderBase::RunUnlocked(void (CLS_ShaderBase::*pfnWork)())
+{
+    if (m_blPainting || InsideScope::IsInsideOther(this)) {
+        QMetaObject::invokeMethod(
+            this, [this, pfnWork] { RunUnlocked(pfnWork); }, Qt::QueuedConnection);
+        return;
+    }
+    AfterCall(
+        [pThis = QPointer<CLS_ShaderBase>(this), pfnWork](int32_t nResult) {
+            if (!pThis.isNull()) {
+                (pThis->*pfnWork)();
+            }
+            return nResult;
+        },
+        0);
+}
+
+FrameMutex *CLS_ShaderBase::FrameMutexToBorrow()
+{
+    return InsideScope::IsInside(this) ? nullptr : &m_mutexFrame;
 }
 
 QSize CLS_ShaderBase::sizeHint() const
@@ -152,6 +211,8 @@ bool CLS_ShaderBase::event(QEvent *pEvent)
 {
     if (pEvent->type() == QEvent::Show) {
         update();
+    } else if (pEvent->type() == QEvent::WinIdChange) {
+        m_hWinId = internalWinId(); // 0 where the pane has no window of its own any more
     }
     return QOpenGLWidget::event(pEvent);
 }
@@ -163,5 +224,24 @@ void CLS_ShaderBase::resizeGL(int nWidth, int nHeight)
 
 void CLS_ShaderBase::ComputeQuadVertices(geometry::QuadVertices &afOut) const
 {
-    geometry::ComputeQuad(m_rcDrawArea, m_rcEZoom, afOut);
+    const Picture picture = CurrentPicture();
+    geometry::ComputeQuad(picture.rcDrawArea, picture.rcEZoom, afOut);
+}
+
+// Here and not with the other commands: the line that it logs is one of this file.
+int32_t CLS_ShaderBase::OnSetVideoRotatePara(const void *pPayload, size_t nLength)
+{
+    XeltRotatePara para = CurrentPicture().rotation;
+    std::memcpy(&para, pPayload, std::min(nLength, sizeof(para)));
+    {
+        const QMutexLocker locker(&m_mutexParameters);
+        m_nVideoRotateDirection = para.nDirection;
+        m_nVideoRotateAngle = para.nAngle;
+        mirrorType = para.nMirror;
+    }
+    XELT_LOG("%s::%s(%d) OnSetVideoRotatePara m_nVideoRotateAngle:%d, m_nVideoRotateDirection=%d, "
+             "mirrorType: %d",
+             "CLS_ShaderBase", "CLS_ShaderBase::OnSetVideoRotatePara", __LINE__, para.nAngle, para.nDirection,
+             para.nMirror);
+    return 0;
 }

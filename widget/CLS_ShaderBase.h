@@ -1,16 +1,22 @@
 #pragma once
 
 #include "interface/XeltRender.h"
+#include "log/CLS_OmbrixApi.h"
 #include "widget/DisplayGeometry.h"
+#include "widget/FrameMutex.h"
 
 #include <QMutex>
 #include <QOpenGLExtraFunctions>
 #include <QOpenGLWidget>
 #include <QPointer>
 #include <QRect>
+#include <QSize>
 #include <QVector>
 #include <array>
 #include <atomic>
+#include <functional>
+#include <utility>
+#include <vector>
 
 class QLabel;
 class QLayout;
@@ -19,7 +25,7 @@ class QLayout;
 // two locks. The GUI thread runs the Qt overrides and everything about labels; host threads reach it through
 // the exported functions, which serialise them with a lock of their own.
 //
-// Lock order: m_mutexFrame, then m_mutexDrawInfo.
+// Lock order: m_mutexFrame, then m_mutexDrawInfo, then m_mutexParameters.
 class CLS_ShaderBase : public QOpenGLWidget, protected QOpenGLExtraFunctions
 {
     Q_OBJECT
@@ -50,9 +56,17 @@ public:
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
-    // Called with the widget's address when its destruction begins, while it is still whole. GUI thread.
-    using DestroyHook = void (*)(void *pWidget);
-    void SetDestroyHook(DestroyHook pfnHook) { m_pfnDestroyHook = pfnHook; }
+    // Called when the widget's destruction begins, while it is still whole. GUI thread.
+    using DestroyHook = std::function<void()>;
+    void SetDestroyHook(DestroyHook fnHook) { m_fnDestroyHook = std::move(fnHook); }
+
+    // What is left of a call when it has ended and no lock is held: waiting, and what runs code of the host's. It
+    // gets the call's result and gives the final one. One that uses the renderer is for the renderer's own thread.
+    using Afterwards = std::function<int32_t(int32_t nResult)>;
+    // GUI thread.
+    bool IsBeingPainted() const { return m_blPainting; }
+    // Empty where nothing is left. Needs the exports' lock.
+    Afterwards TakeAfterwards() { return std::exchange(m_fnAfterwards, nullptr); }
 
 Q_SIGNALS:
     // Asks the GUI thread to rebuild the labels.
@@ -66,12 +80,17 @@ protected:
     bool event(QEvent *pEvent) override;
     void resizeGL(int nWidth, int nHeight) override;
 
-    // Rebuilds the labels from the text records. GUI thread.
+    // Rebuilds the labels from the text records. GUI thread, no lock held: code of the host's runs meanwhile.
     void AddLabel();
     // The same from inside a paint, where a label parent must not be painted at once.
     void AddLabelWhilePainting();
-    // Blanks every label. GUI thread.
+    // Blanks every label. As above.
     void ClearLabels();
+    // Does it when the call that this thread is inside has ended, or at once when it is inside none. Gives what the
+    // call is to answer for now. Needs the exports' lock in a call.
+    int32_t AfterCall(Afterwards fnAfterwards, int32_t nResult);
+    // Does it then as well, but from the event loop when this thread is inside another renderer or a paint. GUI thread.
+    void RunUnlocked(void (CLS_ShaderBase::*pfnWork)());
     void ComputeQuadVertices(geometry::QuadVertices &afOut) const;
     // Asks the host for overlay records, which it delivers before this returns, and keeps the kind it was
     // asked for. The host's result, or 0 without a callback, when the kind is not kept. Any thread.
@@ -82,13 +101,14 @@ protected:
     bool RepeatDrawInfo(int32_t &nKeptKind);
     // Whether any overlay record is held.
     bool HasDrawInfo();
+    // The overlay records as they are now.
+    QVector<XeltDrawInfo> DrawInfo();
     // What a frame of the stored size does when there is no buffer, as after a failed allocation.
     enum class MissingBuffer { Allocate, Leave };
     // Sees to a buffer for a frame in memory. False when the frame cannot be stored: nResult is then what the
-    // submission answers. A frame without a size is reported under the names of the caller's file and
-    // function. Needs m_mutexFrame.
-    bool EnsureFrameBuffer(const VideoFrameDesc &frame, MissingBuffer missing, const char *pszFile,
-                           const char *pszFunction, int32_t &nResult);
+    // submission answers. A frame without a size is reported. Needs m_mutexFrame.
+    bool EnsureFrameBuffer(const VideoFrameDesc &frame, MissingBuffer missing, const LogPosition &position,
+                           int32_t &nResult);
     // Needs m_mutexFrame.
     void FreeFrameBuffer();
     // The first thing that a derived destructor does: afterwards no export reaches this object.
@@ -99,10 +119,44 @@ protected:
     // Whether the frame buffer has room for a picture of the frame size. A host may have declared fewer
     // bytes; such a frame must not be uploaded. Needs m_mutexFrame.
     bool HoldsWholeFrame() const;
+    // Whether a texture may have the frame's size, nLargest wide or high at most. One that may not is reported, but for
+    // the sizes reported last. Needs m_mutexFrame.
+    bool FitsTextures(int32_t nLargest, const LogPosition &position);
     // Whether this is the GUI thread with the widget's own context current. Any thread.
     bool IsContextCurrent() const;
+    // What a change of contexts has to lock: m_mutexFrame, or null inside a call or a paint, where nobody else can have
+    // it. A host's callback may show the window or move the pane. GUI thread.
+    FrameMutex *FrameMutexToBorrow();
+    // Says that the widget is being painted, with Qt's own code around it. GUI thread.
+    class PaintScope
+    {
+    public:
+        explicit PaintScope(CLS_ShaderBase &widget)
+            : m_widget(widget), m_blOuter(std::exchange(widget.m_blPainting, true))
+        {
+        }
+        ~PaintScope() { m_widget.m_blPainting = m_blOuter; }
+        PaintScope(const PaintScope &) = delete;
+        PaintScope &operator=(const PaintScope &) = delete;
 
-    QMutex m_mutexFrame;
+    private:
+        CLS_ShaderBase &m_widget;
+        const bool m_blOuter;
+    };
+
+    // Parameters that a paint reads, as they are now. Any thread.
+    struct Picture
+    {
+        geometry::NormRect rcDrawArea;
+        geometry::NormRect rcEZoom;
+        XeltRotatePara rotation;
+    };
+    Picture CurrentPicture() const;
+    // Placement and zoom back to the whole widget, or the zoom alone. Any thread.
+    void ResetPlacement();
+    void ResetZoom();
+
+    FrameMutex m_mutexFrame;
     QMutex m_mutexDrawInfo; // guards m_vecDrawInfo, its requests, the host's callback and the kept kind
     int32_t m_nVideoWidth = 0;
     int32_t m_nVideoHeight = 0;
@@ -112,12 +166,12 @@ protected:
     bool m_bTypeChanged = false;
     std::atomic<int32_t> m_nDisplayType{0}; // the sub-image renderer looks at it without a lock
     bool m_blGLReady = false;
-    int32_t m_nFrameBufferSize = 0; // as asked for
-    uint64_t m_hWinId = 0;
+    int32_t m_nFrameBufferSize = 0;    // as asked for
+    std::atomic<uint64_t> m_hWinId{0}; // follows the native window
     void *m_pD3D11Device = nullptr;
     XeltDrawInfoCallback m_pfnDrawInfo = nullptr;
     void *m_pDrawInfoUser = nullptr;
-    geometry::NormRect m_rcEZoom;
+    geometry::NormRect m_rcEZoom; // m_mutexParameters guards it, the drawn area and the rotation
     QVector<XeltDrawInfo> m_vecDrawInfo;
     QRect m_rcDraw;
     geometry::NormRect m_rcDrawArea;
@@ -144,28 +198,47 @@ private:
     int32_t OnGetWinId(void *pBuffer, size_t nLength);
     int32_t OnGetWidgetRect(void *pBuffer) const;
     static int32_t OnGetIsOpenGLES(void *pBuffer);
-    uint64_t RequestWinId();
+    // Asks the GUI thread's event loop for the window; what waits for its answer. Any thread.
+    Afterwards RequestWinId(void *pBuffer, size_t nLength);
 
     // The host delivers its overlay records through this one.
     static int32_t ReceiveDrawInfo(const void *pRecord, int32_t nLength, void *pObject);
     int32_t AppendDrawInfo(const void *pRecord, size_t nLength);
 
+    // A text record and the label that is to show it.
+    struct SlotRecord
+    {
+        size_t nSlot;
+        XeltDrawInfo record;
+    };
     struct LabelRebuild
     {
         bool blShown = false;   // some text record stands in the list
         bool blChanged = false; // some label is not what it was
     };
-    // Brings the label slots up to date with the text records. GUI thread.
-    LabelRebuild ShowLabels();
-    // GUI thread. True when the slot's label changed; ShowLabel needs m_mutexDrawInfo for the record.
-    bool ShowLabel(size_t nSlot, XeltDrawInfo &record);
+    class RebuildScope;
+    enum class ParentPaint { AtOnce, Later };
+    // The text records that have a label. Any thread.
+    std::vector<SlotRecord> TakeTexts(bool &blShown);
+    // The rest: GUI thread, no lock held. Of a widget that is gone on the way nothing is touched.
+    void RebuildLabels(ParentPaint paint);
+    // Brings the label slots up to date with the text records.
+    LabelRebuild ShowLabels(const RebuildScope &scope);
+    // True when the slot's label changed.
+    bool ShowLabel(size_t nSlot, const XeltDrawInfo &record);
     bool BlankLabel(size_t nSlot);
-    QLabel *CreateLabel();
+    QLabel *NewLabel();
 
     uint64_t m_nDrawInfoRequest = 0; // number of the last request for overlay records
-    DestroyHook m_pfnDestroyHook = nullptr;
+    DestroyHook m_fnDestroyHook;
+    Afterwards m_fnAfterwards; // guarded by the exports' lock
     QMetaObject::Connection m_labelParentDestroyed;
     std::array<XeltDrawInfo, kLabelCount> m_aLabelRecords{}; // what each label shows
+    bool m_blRebuildingLabels = false;                       // GUI thread
+    bool m_blPainting = false;                               // GUI thread
     // The allocation is longer than this where an upload reads rows past their end.
     size_t m_nFrameBufferBytes = 0;
+    mutable QMutex m_mutexParameters;   // what it guards is read and written, nothing else happens under it
+    std::array<QSize, 8> m_aszTooLarge; // sizes reported last
+    size_t m_nTooLarge = 0;             // the next one's place
 };

@@ -58,6 +58,12 @@ bool CLS_ShaderBase::HasDrawInfo()
     return !m_vecDrawInfo.isEmpty();
 }
 
+QVector<XeltDrawInfo> CLS_ShaderBase::DrawInfo()
+{
+    const QMutexLocker locker(&m_mutexDrawInfo);
+    return m_vecDrawInfo;
+}
+
 bool CLS_ShaderBase::RenewDrawInfo(int32_t nKind, int32_t &nKeptKind)
 {
     const bool blHadDrawInfo = HasDrawInfo();
@@ -97,7 +103,7 @@ int32_t CLS_ShaderBase::NotifyDrawInfo(int32_t nKind, int32_t &nKeptKind)
         m_vecDrawInfo.clear();
         running.nNumber = ++m_nDrawInfoRequest;
     }
-    XeltDrawInfoRequest request = MakeRequest(nKind, rect(), m_rcDrawArea);
+    XeltDrawInfoRequest request = MakeRequest(nKind, rect(), CurrentPicture().rcDrawArea);
     request.pfnReceiver = &CLS_ShaderBase::ReceiveDrawInfo;
     request.pObject = this;
     const RequestScope scope(running);

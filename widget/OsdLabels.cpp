@@ -1,8 +1,8 @@
 // The text labels of CLS_ShaderBase. GUI thread.
+#include "log/QtMessages.h"
 #include "widget/CLS_ShaderBase.h"
 #include "widget/LabelText.h"
 
-#include <QDebug>
 #include <QFont>
 #include <QLabel>
 #include <QMutexLocker>
@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <bitset>
 #include <cstring>
+#include <utility>
 
 namespace {
 
@@ -60,6 +61,13 @@ QString StyleSheetFor(uint32_t nColor)
         .arg((nColor >> 16) & 0xFFu);
 }
 
+// A box that begins above the label parent is moved down to its edge.
+void MoveTopToZero(XeltDrawInfo &record)
+{
+    record.aPoints[1].y = Saturated(int64_t{record.aPoints[1].y} - record.aPoints[0].y);
+    record.aPoints[0].y = 0;
+}
+
 bool IsSame(const XeltDrawInfo &one, const XeltDrawInfo &other)
 {
     // By their bytes, so that an opacity that is no number equals itself.
@@ -97,75 +105,128 @@ void ApplyRecord(QLabel &label, const XeltDrawInfo &record)
 
 } // namespace
 
+// While labels are rebuilt, events run code of the host's, which may even end the widget.
+class CLS_ShaderBase::RebuildScope
+{
+public:
+    explicit RebuildScope(CLS_ShaderBase &widget) : m_pWidget(&widget) { widget.m_blRebuildingLabels = true; }
+    ~RebuildScope()
+    {
+        if (!m_pWidget.isNull()) {
+            m_pWidget->m_blRebuildingLabels = false;
+        }
+    }
+    RebuildScope(const RebuildScope &) = delete;
+    RebuildScope &operator=(const RebuildScope &) = delete;
+
+    bool isWidgetGone() const { return m_pWidget.isNull(); }
+
+private:
+    const QPointer<CLS_ShaderBase> m_pWidget;
+};
+
 void CLS_ShaderBase::AddLabel()
 {
-    const LabelRebuild rebuild = ShowLabels();
-    // The repaint may reach this widget's own painting, which takes the mutex that ShowLabels has released.
-    QWidget *pLabelParent = m_pLabelParent;
-    if (pLabelParent != nullptr && (m_blLabelsShown || rebuild.blShown)) {
-        pLabelParent->repaint();
-    }
-    m_blLabelsShown = rebuild.blShown;
+    RebuildLabels(ParentPaint::AtOnce);
 }
 
 void CLS_ShaderBase::AddLabelWhilePainting()
 {
-    const LabelRebuild rebuild = ShowLabels();
-    // A label parent above this widget is being painted now, and painting it again leads back here: it is
-    // told later, and only of something new.
-    QWidget *pLabelParent = m_pLabelParent;
-    if (pLabelParent != nullptr && rebuild.blChanged) {
-        pLabelParent->update();
-    }
-    m_blLabelsShown = rebuild.blShown;
+    RebuildLabels(ParentPaint::Later);
 }
 
-CLS_ShaderBase::LabelRebuild CLS_ShaderBase::ShowLabels()
+void CLS_ShaderBase::RebuildLabels(ParentPaint paint)
 {
     Q_ASSERT(QThread::currentThread() == thread());
+    if (m_blRebuildingLabels) {
+        // Out of an event of the rebuild that is under way, which goes on with older records.
+        QMetaObject::invokeMethod(
+            this, [this, paint] { RebuildLabels(paint); }, Qt::QueuedConnection);
+        return;
+    }
+    const RebuildScope scope(*this);
+    const LabelRebuild rebuild = ShowLabels(scope);
+    if (scope.isWidgetGone()) {
+        return;
+    }
+    const bool blShownBefore = std::exchange(m_blLabelsShown, rebuild.blShown);
+    QWidget *pLabelParent = m_pLabelParent;
+    // A label parent that is being painted, as those above this widget are in its paint, is told later; in a paint
+    // only of something new, or it would never end.
+    const bool blConcerned =
+        paint == ParentPaint::AtOnce ? blShownBefore || rebuild.blShown : rebuild.blChanged;
+    if (pLabelParent == nullptr || !blConcerned) {
+        return;
+    }
+    if (paint == ParentPaint::Later || pLabelParent->testAttribute(Qt::WA_WState_InPaintEvent)) {
+        pLabelParent->update();
+    } else {
+        pLabelParent->repaint();
+    }
+}
+
+std::vector<CLS_ShaderBase::SlotRecord> CLS_ShaderBase::TakeTexts(bool &blShown)
+{
     const QMutexLocker locker(&m_mutexDrawInfo);
-    LabelRebuild rebuild;
-    std::bitset<kLabelCount> used;
+    std::vector<SlotRecord> vecTexts;
     size_t nSlot = 0;
     for (int i = m_vecDrawInfo.size() - 1; i >= 0; --i) {
         const XeltDrawInfo &record = qAsConst(m_vecDrawInfo)[i];
         if (record.nType != DRAWINFO_TEXT || record.aText[0] == '\0') {
             continue;
         }
-        rebuild.blShown = true;
         // A record that cannot be shown uses up its slot all the same.
         if (nSlot < kLabelCount && record.nPointNum >= 2) {
-            used.set(nSlot);
-            rebuild.blChanged |= ShowLabel(nSlot, m_vecDrawInfo[i]);
+            // In the list, so that a later rebuild does not move it again.
+            if (record.aPoints[0].y < 0) {
+                MoveTopToZero(m_vecDrawInfo[i]);
+            }
+            vecTexts.push_back({nSlot, qAsConst(m_vecDrawInfo)[i]});
         }
         ++nSlot;
     }
-    for (nSlot = 0; nSlot < kLabelCount; ++nSlot) {
+    blShown = nSlot != 0;
+    return vecTexts;
+}
+
+CLS_ShaderBase::LabelRebuild CLS_ShaderBase::ShowLabels(const RebuildScope &scope)
+{
+    LabelRebuild rebuild;
+    std::bitset<kLabelCount> used;
+    for (const SlotRecord &text : TakeTexts(rebuild.blShown)) {
+        used.set(text.nSlot);
+        if (text.record.nSize < 1 && !scope.isWidgetGone()) {
+            qtlog::Debug("CLS_ShaderBase::AddLabel Error:iFontSize <= 0");
+        }
+        rebuild.blChanged |= !scope.isWidgetGone() && ShowLabel(text.nSlot, text.record);
+    }
+    for (size_t nSlot = 0; nSlot < kLabelCount && !scope.isWidgetGone(); ++nSlot) {
         rebuild.blChanged |= !used.test(nSlot) && BlankLabel(nSlot);
     }
     return rebuild;
 }
 
-bool CLS_ShaderBase::ShowLabel(size_t nSlot, XeltDrawInfo &record)
+bool CLS_ShaderBase::ShowLabel(size_t nSlot, const XeltDrawInfo &record)
 {
-    if (record.aPoints[0].y < 0) {
-        // The stored record changes too, so that a later rebuild does not move the box again.
-        record.aPoints[1].y = Saturated(int64_t{record.aPoints[1].y} - record.aPoints[0].y);
-        record.aPoints[0].y = 0;
-    }
-    if (record.nSize < 1) {
-        qDebug("CLS_ShaderBase::AddLabel Error:iFontSize <= 0");
-    }
     XeltDrawInfo &shown = m_aLabelRecords[nSlot];
-    QPointer<QLabel> &pLabel = m_pLabels[nSlot];
-    if (!pLabel.isNull() && IsSame(shown, record)) {
+    const bool blNew = m_pLabels[nSlot].isNull();
+    if (!blNew && IsSame(shown, record)) {
         return false; // nothing new: setting it again would cost a layout
     }
     shown = record;
-    if (pLabel.isNull()) {
-        pLabel = CreateLabel();
+    if (blNew) {
+        m_pLabels[nSlot] = NewLabel();
     }
-    ApplyRecord(*pLabel, record);
+    const QPointer<QLabel> pLabel(m_pLabels[nSlot].data());
+    if (blNew) {
+        pLabel->show();
+    }
+    if (blNew && !pLabel.isNull()) {
+        pLabel->lower();
+    }
+    if (!pLabel.isNull()) {
+        ApplyRecord(*pLabel, record);
+    }
     return true;
 }
 
@@ -181,7 +242,7 @@ bool CLS_ShaderBase::BlankLabel(size_t nSlot)
     return blHadText;
 }
 
-QLabel *CLS_ShaderBase::CreateLabel()
+QLabel *CLS_ShaderBase::NewLabel()
 {
     QWidget *pLabelParent = m_pLabelParent;
     auto *pLabel = new QLabel(pLabelParent != nullptr ? pLabelParent : this);
@@ -191,8 +252,6 @@ QLabel *CLS_ShaderBase::CreateLabel()
     pLabel->setAlignment(Qt::AlignLeft);
     pLabel->setAlignment(Qt::AlignVCenter);
     pLabel->setTextFormat(Qt::AutoText);
-    pLabel->show();
-    pLabel->lower();
     return pLabel;
 }
 

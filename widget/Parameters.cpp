@@ -1,8 +1,7 @@
-// The commands of CLS_ShaderBase. They run on the host's thread under the exports' lock; painting reads what
-// they store without one, as a torn value lasts no longer than the repaint that follows.
+// The commands of CLS_ShaderBase. They run on the host's thread under the exports' lock. What a paint reads of them
+// is copied in and out under m_mutexParameters.
 #include "widget/CLS_ShaderBase.h"
-
-#include "log/CLS_OmbrixApi.h"
+#include "widget/InsideScope.h"
 
 #include <QMutexLocker>
 #include <QOpenGLContext>
@@ -30,6 +29,16 @@ template <class Record> Record ReadWhole(const void *pPayload)
 template <class Record> void Overwrite(Record &record, const void *pPayload, size_t nLength)
 {
     std::memcpy(&record, pPayload, std::min(nLength, sizeof(record)));
+}
+
+// -1 where there is none.
+int32_t CopyWinId(uint64_t hWinId, void *pBuffer, size_t nLength)
+{
+    if (hWinId == 0) {
+        return -1;
+    }
+    std::memcpy(pBuffer, &hWinId, std::min(nLength, sizeof(hWinId)));
+    return 0;
 }
 
 } // namespace
@@ -78,10 +87,13 @@ int32_t CLS_ShaderBase::OnSetDrawInfoCallback(const void *pPayload, size_t nLeng
 
 int32_t CLS_ShaderBase::OnSetEZoomArea(const void *pPayload, size_t nLength)
 {
-    // Deliberately as long as the host says: the contract is exactly 32 bytes, and more overwrites the
-    // members that follow.
-    void *pZoom = &m_rcEZoom;
-    std::memcpy(pZoom, pPayload, nLength);
+    {
+        // Deliberately as long as the host says: the contract is exactly 32 bytes, and more overwrites the
+        // members that follow.
+        const QMutexLocker locker(&m_mutexParameters);
+        void *pZoom = &m_rcEZoom;
+        std::memcpy(pZoom, pPayload, nLength);
+    }
     XELT_LOG("[XeltRender::SetParam]XELTCMD_SET_EZOOM_AREA left = %f top = %f right = %f bottom = %f",
              m_rcEZoom.left, m_rcEZoom.top, m_rcEZoom.right, m_rcEZoom.bottom);
     return 0;
@@ -110,20 +122,6 @@ int32_t CLS_ShaderBase::OnSetStopDrawPara(const void *pPayload, size_t nLength)
 {
     Overwrite(blReserveLastFrm, pPayload, nLength);
     XELT_LOG("CLS_ShaderBase::SetParam-XELTCMD_SET_STOPDRAW_PARA blReserveLastFrm=%d", blReserveLastFrm);
-    return 0;
-}
-
-int32_t CLS_ShaderBase::OnSetVideoRotatePara(const void *pPayload, size_t nLength)
-{
-    XeltRotatePara para = {m_nVideoRotateDirection, m_nVideoRotateAngle, mirrorType};
-    Overwrite(para, pPayload, nLength);
-    m_nVideoRotateDirection = para.nDirection;
-    m_nVideoRotateAngle = para.nAngle;
-    mirrorType = para.nMirror;
-    XELT_LOG("%s::%s(%d) OnSetVideoRotatePara m_nVideoRotateAngle:%d, m_nVideoRotateDirection=%d, "
-             "mirrorType: %d",
-             "CLS_ShaderBase", "CLS_ShaderBase::OnSetVideoRotatePara", __LINE__, m_nVideoRotateAngle,
-             m_nVideoRotateDirection, mirrorType);
     return 0;
 }
 
@@ -162,8 +160,28 @@ int32_t CLS_ShaderBase::SetDrawDstRect(int32_t nLeft, int32_t nTop, int32_t nRig
 void CLS_ShaderBase::UpdateDrawArea(const QRect &rcWidget)
 {
     if (!rcWidget.isEmpty()) {
+        const QMutexLocker locker(&m_mutexParameters);
         m_rcDrawArea = geometry::Normalise(m_rcDraw, rcWidget);
     }
+}
+
+CLS_ShaderBase::Picture CLS_ShaderBase::CurrentPicture() const
+{
+    const QMutexLocker locker(&m_mutexParameters);
+    return {m_rcDrawArea, m_rcEZoom, {m_nVideoRotateDirection, m_nVideoRotateAngle, mirrorType}};
+}
+
+void CLS_ShaderBase::ResetPlacement()
+{
+    const QMutexLocker locker(&m_mutexParameters);
+    m_rcDrawArea = geometry::NormRect();
+    m_rcEZoom = geometry::NormRect();
+}
+
+void CLS_ShaderBase::ResetZoom()
+{
+    const QMutexLocker locker(&m_mutexParameters);
+    m_rcEZoom = geometry::NormRect();
 }
 
 int32_t CLS_ShaderBase::GetParam(uint32_t nCommand, void *pBuffer, int32_t nLength)
@@ -185,23 +203,28 @@ int32_t CLS_ShaderBase::GetParam(uint32_t nCommand, void *pBuffer, int32_t nLeng
 
 int32_t CLS_ShaderBase::OnGetWinId(void *pBuffer, size_t nLength)
 {
-    if (m_hWinId == 0) {
-        m_hWinId = RequestWinId();
+    if (CopyWinId(m_hWinId, pBuffer, nLength) == 0) {
+        return 0;
     }
-    if (m_hWinId == 0) {
+    if (QThread::currentThread() != thread()) {
+        return AfterCall(RequestWinId(pBuffer, nLength), -1);
+    }
+    // Making the window tells the host's filters and other widgets of it: not with another renderer's locks held.
+    if (InsideScope::IsInsideOther(this)) {
+        RequestWinId(pBuffer, nLength);
         return -1;
     }
-    std::memcpy(pBuffer, &m_hWinId, std::min(nLength, sizeof(m_hWinId)));
-    return 0;
+    return AfterCall(
+        [pThis = QPointer<CLS_ShaderBase>(this), pBuffer, nLength](int32_t nResult) {
+            return pThis.isNull() ? nResult : CopyWinId(pThis->winId(), pBuffer, nLength);
+        },
+        -1);
 }
 
-// A native window is made on the widget's own thread. Another thread asks for it and waits, but not for ever:
-// the GUI thread may itself be waiting for this call to end.
-uint64_t CLS_ShaderBase::RequestWinId()
+// A native window is made on the widget's own thread. Another thread asks for it and waits, but not for ever: the
+// GUI thread may itself be waiting for what the asking one has locked. An answer that comes too late is kept.
+CLS_ShaderBase::Afterwards CLS_ShaderBase::RequestWinId(void *pBuffer, size_t nLength)
 {
-    if (QThread::currentThread() == thread()) {
-        return winId();
-    }
     struct Answer
     {
         std::mutex mutex;
@@ -213,16 +236,18 @@ uint64_t CLS_ShaderBase::RequestWinId()
     QMetaObject::invokeMethod(
         this,
         [this, pAnswer] {
-            const uint64_t hWinId = winId();
+            const uint64_t hWinId = winId(); // which an event of the widget's keeps
             const std::lock_guard<std::mutex> guard(pAnswer->mutex);
             pAnswer->hWinId = hWinId;
             pAnswer->blDone = true;
             pAnswer->condition.notify_one();
         },
         Qt::QueuedConnection);
-    std::unique_lock<std::mutex> lock(pAnswer->mutex);
-    pAnswer->condition.wait_for(lock, kWinIdTimeout, [&] { return pAnswer->blDone; });
-    return pAnswer->hWinId;
+    return [pAnswer, pBuffer, nLength](int32_t) {
+        std::unique_lock<std::mutex> lock(pAnswer->mutex);
+        pAnswer->condition.wait_for(lock, kWinIdTimeout, [&] { return pAnswer->blDone; });
+        return CopyWinId(pAnswer->hWinId, pBuffer, nLength);
+    };
 }
 
 // Top before left, deliberately: hosts read the record in this order.

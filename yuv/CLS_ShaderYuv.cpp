@@ -1,18 +1,24 @@
-// Life cycle and submission of CLS_ShaderYuv. Painting is in YuvPainting.cpp, programs in YuvPrograms.cpp.
+// Life cycle and submission of CLS_ShaderYuv, and what of its programs may be logged, as records name this file.
+// Painting is in YuvPainting.cpp, picture draws are in YuvPrograms.cpp.
 #include "yuv/CLS_ShaderYuv.h"
 
 #include "d3d11/CLS_D3D11EGL.h"
 #include "log/CLS_OmbrixApi.h"
+#include "log/QtMessages.h"
+#include "widget/InsideScope.h"
 #include "yuv/HardwarePath.h"
+#include "yuv/PictureGl.h"
 #include "yuv/PlaneCopy.h"
+#include "yuv/YuvShaderSources.h"
 
-#include <QMutexLocker>
 #include <QOpenGLContext>
 #include <QOpenGLShaderProgram>
 #include <QOpenGLTexture>
 #include <QThread>
 #include <algorithm>
 #include <cstring>
+#include <mutex>
+#include <new>
 
 CLS_ShaderYuv::CLS_ShaderYuv() : CLS_ShaderBase(nullptr), m_pD3D11EGL(std::make_unique<CLS_D3D11EGL>())
 {
@@ -30,18 +36,25 @@ CLS_ShaderYuv::~CLS_ShaderYuv()
     disconnect(this, &QObject::destroyed, this, &CLS_ShaderYuv::onDestroyed);
     onDestroyed(this);
     DeleteLabels(); // those on a host's widget would outlive the pane
+    const qtlog::Deferral messages;
     makeCurrent();
     if (context() != nullptr) {
         disconnect(context(), &QOpenGLContext::aboutToBeDestroyed, this, nullptr);
     }
     {
-        const auto lock = LockFrame();
+        const FrameEnding lock(m_mutexFrame);
         FreeFrameBuffer();
         m_nVideoWidth = 0;
         m_nVideoHeight = 0;
+        if (m_pD3D11EGL != nullptr) {
+            m_pD3D11EGL->ReleaseEGL();
+        }
+        yuv::DestroyHardware(m_pD3D11EGL);
+        // Quirk: the pane's end makes one more, whose farewell line hosts see as the second.
+        m_pD3D11EGL.reset(new (std::nothrow) CLS_D3D11EGL);
+        Q_EMIT signalUpdate();
         CLS_ShaderYuv::ReleaseGLResource();
         yuv::DestroyHardware(m_pD3D11EGL);
-        Q_EMIT signalUpdate();
     }
     doneCurrent();
 }
@@ -75,6 +88,10 @@ int32_t CLS_ShaderYuv::ShowYuvFrame(const void *pData, int32_t nLength)
     VideoFrameDesc frame = {};
     std::memcpy(&frame, pData, std::min(static_cast<size_t>(nLength), sizeof(frame)));
 
+    FrameMutex::HeldUp heldUp;
+    if (m_mutexFrame.IsKept(heldUp)) {
+        return AnswerHeldUp(heldUp); // before the clear, which would end that
+    }
     const bool blLeavesD3D11 =
         m_nDisplayType == VIDEO_DISPLAY_DXGL && frame.nDisplayType != VIDEO_DISPLAY_DXGL;
     if (m_bClearPending || blLeavesD3D11) {
@@ -84,8 +101,15 @@ int32_t CLS_ShaderYuv::ShowYuvFrame(const void *pData, int32_t nLength)
         m_bClearPending = false;
     }
 
+    if (!m_mutexFrame.LockUnlessKept(heldUp)) {
+        return AnswerHeldUp(heldUp);
+    }
     bool blDrawInfoChanged = false;
-    const int32_t nResult = TakeFrame(frame, pData, nLength, blDrawInfoChanged);
+    int32_t nResult = -1;
+    {
+        const std::lock_guard<FrameMutex> lock(m_mutexFrame, std::adopt_lock);
+        nResult = TakeFrame(frame, pData, nLength, blDrawInfoChanged);
+    }
     if (blDrawInfoChanged) {
         // Labels may repaint at once when this is the GUI thread, and painting takes the frame mutex.
         Q_EMIT signalDrawTextInfo();
@@ -93,17 +117,29 @@ int32_t CLS_ShaderYuv::ShowYuvFrame(const void *pData, int32_t nLength)
     return nResult;
 }
 
+int32_t CLS_ShaderYuv::AnswerHeldUp(const FrameMutex::HeldUp &heldUp)
+{
+    if (QThread::currentThread() == thread() || InsideScope::IsInsideOther(this)) {
+        return -1; // it would wait for itself, or with another renderer's locks held
+    }
+    return AfterCall(
+        [heldUp](int32_t nResult) {
+            heldUp.Wait();
+            return nResult;
+        },
+        -1);
+}
+
 int32_t CLS_ShaderYuv::TakeFrame(const VideoFrameDesc &frame, const void *pData, int32_t nLength,
                                  bool &blDrawInfoChanged)
 {
-    const QMutexLocker locker(&m_mutexFrame);
     if (frame.nDisplayType != m_nDisplayType) {
         TakeDisplayType(frame.nDisplayType);
     }
     if (frame.nDisplayType == VIDEO_DISPLAY_DXGL) {
         m_nVideoWidth = frame.iWidth;
         m_nVideoHeight = frame.iHeight;
-        yuv::HandOverFrame(m_mutexFrame, m_pD3D11EGL.get(), m_pD3D11Device, pData, nLength);
+        yuv::HandOverFrame(m_pD3D11EGL.get(), m_pD3D11Device, pData, nLength);
     } else {
         int32_t nResult = -1;
         if (!TakeSoftwareFrame(frame, nResult)) {
@@ -139,8 +175,8 @@ void CLS_ShaderYuv::TakeDisplayType(int32_t nDisplayType)
 
 bool CLS_ShaderYuv::TakeSoftwareFrame(const VideoFrameDesc &frame, int32_t &nResult)
 {
-    if (!EnsureFrameBuffer(frame, MissingBuffer::Allocate, "CLS_ShaderYuv", "CLS_ShaderYuv::ShowYuvFrame",
-                           nResult)) {
+    if (!EnsureFrameBuffer(frame, MissingBuffer::Allocate,
+                           XELT_POSITION("CLS_ShaderYuv", "CLS_ShaderYuv::ShowYuvFrame"), nResult)) {
         return false;
     }
     yuv::StoreFrame(frame, {m_pFrameBuffer, FrameBufferBytes(), m_nVideoWidth, m_nVideoHeight},
@@ -153,12 +189,8 @@ void CLS_ShaderYuv::ClearDraw()
     ClearDrawInfo();
     Q_EMIT signalDrawTextInfo();
     PaintDrawInfo(yuv::DrawInfoPass::BeforePicture);
-    {
-        const auto lock = LockFrame();
-        if (m_pD3D11EGL != nullptr) {
-            Q_ASSERT(yuv::IsLocked(m_mutexFrame));
-            m_pD3D11EGL->ClearFramePending();
-        }
+    if (m_pD3D11EGL != nullptr) {
+        m_pD3D11EGL->ClearFramePending(); // needs no frame mutex, which a paint may have for long
     }
     if (blReserveLastFrm == 0) {
         UnInit();
@@ -169,23 +201,16 @@ void CLS_ShaderYuv::ClearDraw()
     XELT_LOG("CLS_ShaderYuv::ClearDraw, blReserveLastFrm=%d", blReserveLastFrm);
 }
 
-std::unique_lock<QMutex> CLS_ShaderYuv::LockFrame()
-{
-    if (QThread::currentThread() == thread() && m_blFrameMutexKept) {
-        return {}; // a second lock would wait for this thread itself
-    }
-    return std::unique_lock<QMutex>(m_mutexFrame);
-}
-
 int32_t CLS_ShaderYuv::UnInit()
 {
-    const auto lock = LockFrame();
+    const FrameEnding lock(m_mutexFrame);
     ResetFrameState();
     return 0;
 }
 
 void CLS_ShaderYuv::ResetFrameState()
 {
+    auto pD3D11EGL = std::make_unique<CLS_D3D11EGL>(); // first, as memory may be short
     m_bTypeChanged = true;
     m_nDisplayType = -1;
     FreeFrameBuffer();
@@ -194,9 +219,67 @@ void CLS_ShaderYuv::ResetFrameState()
     CLS_ShaderBase::UnInit();
     m_blUnInit = 1;
     // This may be a host thread: the painting thread releases and destroys the old hardware path.
-    m_retired.Add(std::move(m_pD3D11EGL));
-    m_pD3D11EGL = std::make_unique<CLS_D3D11EGL>();
-    m_rcDrawArea = geometry::NormRect();
-    m_rcEZoom = geometry::NormRect();
+    m_retired.Add(m_pD3D11EGL);
+    m_pD3D11EGL = std::move(pD3D11EGL);
+    ResetPlacement();
     Q_EMIT signalUpdate();
+}
+
+void CLS_ShaderYuv::InitGLYV12()
+{
+    m_pProgram.reset(); // one picture program at a time
+    m_pProgram = yuv::BuildProgram(yuv::kYv12VertexShader, yuv::kYv12FragmentShader);
+    m_nLocTexY = m_pProgram->uniformLocation("tex_y");
+    m_nLocTexU = m_pProgram->uniformLocation("tex_u");
+    m_nLocTexV = m_pProgram->uniformLocation("tex_v");
+    m_nLocDrawFlag = m_pProgram->uniformLocation("u_iDrawFlag");
+    m_nLocDrawColor = m_pProgram->uniformLocation("u_vDrawColor");
+    m_nLocDrawAlpha = m_pProgram->uniformLocation("u_fDrawAlpha");
+    yuv::UseTextureCoordinates(*this);
+    if (CreateTextures("CLS_ShaderYuv::InitGLYV12", true)) {
+        glClearColor(0, 0, 0, 0);
+    }
+}
+
+void CLS_ShaderYuv::InitGLNV12()
+{
+    m_pProgram.reset();
+    m_pProgram = yuv::BuildProgram(yuv::kNv12VertexShader, yuv::kNv12FragmentShader);
+    m_nLocDrawFlag = m_pProgram->uniformLocation("u_iDrawFlag");
+    m_nLocDrawColor = m_pProgram->uniformLocation("u_vDrawColor");
+    m_nLocDrawAlpha = m_pProgram->uniformLocation("u_fDrawAlpha");
+    m_nLocTexY = m_pProgram->uniformLocation("tex_y");
+    m_nLocTexU = m_pProgram->uniformLocation("tex_u");
+    yuv::UseTextureCoordinates(*this);
+    if (CreateTextures("CLS_ShaderYuv::InitGLNV12", false)) {
+        glClearColor(0, 0, 0, 0);
+    }
+}
+
+bool CLS_ShaderYuv::CreateTextures(const char *pszFunction, bool blThirdPlane)
+{
+    Q_ASSERT(IsContextCurrent());
+    m_nTexIdY = 0;
+    m_nTexIdU = 0;
+    m_nTexIdV = 0;
+    m_pTexY = yuv::NewTexture();
+    m_pTexU = m_pTexY != nullptr ? yuv::NewTexture() : nullptr;
+    m_pTexV = m_pTexU != nullptr && blThirdPlane ? yuv::NewTexture() : nullptr;
+    if (m_pTexU == nullptr || (blThirdPlane && m_pTexV == nullptr)) {
+        XELT_REPORT_ERROR("CLS_ShaderYuv", pszFunction, "new QOpenGLTexture faild,can not malloc memory!");
+        return false;
+    }
+    m_nTexIdY = yuv::CreateTexture(*m_pTexY);
+    m_nTexIdU = yuv::CreateTexture(*m_pTexU);
+    if (blThirdPlane) {
+        m_nTexIdV = yuv::CreateTexture(*m_pTexV);
+    }
+    m_nMaxTextureSize = yuv::MaxTextureSize(*this);
+    return true;
+}
+
+bool CLS_ShaderYuv::CanUpload()
+{
+    return HoldsWholeFrame() &&
+           FitsTextures(m_nMaxTextureSize, XELT_POSITION("CLS_ShaderYuv", "CLS_ShaderYuv::CanUpload"));
 }

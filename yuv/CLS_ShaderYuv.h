@@ -6,7 +6,6 @@
 
 #include <atomic>
 #include <memory>
-#include <mutex>
 
 class CLS_D3D11EGL;
 class QOpenGLShaderProgram;
@@ -42,10 +41,11 @@ protected:
     void resizeGL(int nWidth, int nHeight) override;
     void paintGL() override;
 
-    // Stores a frame under m_mutexFrame. Host thread.
+    // What a submission that the kept frame mutex holds up answers; it waits when the exports' lock is released.
+    int32_t AnswerHeldUp(const FrameMutex::HeldUp &heldUp);
+    // Stores a frame. Host thread, m_mutexFrame held; so are its steps.
     int32_t TakeFrame(const VideoFrameDesc &frame, const void *pData, int32_t nLength,
                       bool &blDrawInfoChanged);
-    // The steps of it: host thread, m_mutexFrame held.
     void TakeDisplayType(int32_t nDisplayType);
     // False when the frame is not stored; nResult is then what the submission answers.
     bool TakeSoftwareFrame(const VideoFrameDesc &frame, int32_t &nResult);
@@ -93,18 +93,16 @@ private:
     // False (and logged) when a texture cannot be allocated; those made so far are kept.
     bool CreateTextures(const char *pszFunction, bool blThirdPlane);
     // Whether the buffer holds the whole frame and the driver has textures of its size.
-    bool CanUpload() const;
+    bool CanUpload();
     void PrepareQuad(geometry::QuadVertices &afPositions);
-    void UploadPlane(uint32_t nUnit, uint32_t nTexture, uint32_t nFormat, int32_t nWidth, int32_t nHeight,
-                     const uint8_t *pPixels);
+    void BindPlane(uint32_t nUnit, uint32_t nTexture);
+    // Into the texture that is bound.
+    void UploadPlane(uint32_t nFormat, int32_t nWidth, int32_t nHeight, const uint8_t *pPixels);
     bool BindPictureProgram();
     void OnContextLost();
-    // Locks m_mutexFrame, unless a paint has kept it locked and this is the painting thread.
-    std::unique_lock<QMutex> LockFrame();
 
     int32_t m_nMaxTextureSize = 0; // of the context that the textures belong to
     yuv::RetiredObjects m_retired; // guarded by m_mutexFrame
     // A hardware frame shows one paint after its conversion, so a new context needs two. Painting thread.
     bool m_blPaintTwice = false;
-    bool m_blFrameMutexKept = false; // by a paint, for good. Painting thread
 };

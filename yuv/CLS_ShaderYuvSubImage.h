@@ -86,6 +86,8 @@ private:
     void UpdatePlane(uint32_t nUnit, QOpenGLTexture &texture, uint32_t nFormat, const QSize &size,
                      const uint8_t *pPixels);
     void PaintBlack();
+    // False where there is nothing to paint of a frame. Takes m_mutexFrame.
+    bool PaintFrame();
     bool BindPictureProgram();
     // Does what host threads have left to the painting one; needs m_mutexFrame.
     void DestroyRetired();
@@ -95,4 +97,6 @@ private:
     yuv::RetiredObjects m_retired;   // guarded by m_mutexFrame
     QSize m_szTextures;              // frame size that the textures are allocated for
     bool m_blReleaseSurface = false; // the hardware path's, by the next paint; guarded by m_mutexFrame
+    // As in CLS_ShaderYuv. Painting thread
+    bool m_blPaintTwice = false;
 };

@@ -64,8 +64,8 @@ void DrawInfoPainter::Paint(QOpenGLExtraFunctions &gl, bool blOpenGLES,
         gl.glUniform1i(locations.nDrawFlag, 1);
         gl.glUniform3f(locations.nDrawColor, Component(record.nColor, 0), Component(record.nColor, 8),
                        Component(record.nColor, 16));
-        gl.glUniform1f(locations.nDrawAlpha, pass == DrawInfoPass::OverPicture ? record.fOpacity : 0.0f);
         gl.glLineWidth(std::clamp(static_cast<float>(record.nSize), 1.0f, fMaxLineWidth));
+        gl.glUniform1f(locations.nDrawAlpha, pass == DrawInfoPass::OverPicture ? record.fOpacity : 0.0f);
         gl.glVertexAttribPointer(0, 2, GL_FLOAT, GL_FALSE, 0, m_afVertices.data());
         gl.glEnableVertexAttribArray(0);
         gl.glDrawArrays(shape.nMode, 0, shape.nVertices);

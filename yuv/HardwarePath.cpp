@@ -2,25 +2,15 @@
 
 #include "d3d11/CLS_D3D11EGL.h"
 
-#include <QMutex>
+#include <QApplication>
+#include <QDesktopWidget>
 #include <QScreen>
 #include <QWidget>
 
 namespace yuv {
 
-bool IsLocked(QMutex &mutex)
+void HandOverFrame(CLS_D3D11EGL *pHardware, void *pDevice, const void *pData, int32_t nLength)
 {
-    if (!mutex.tryLock()) {
-        return true;
-    }
-    mutex.unlock();
-    return false;
-}
-
-void HandOverFrame(QMutex &mutexFrame, CLS_D3D11EGL *pHardware, void *pDevice, const void *pData,
-                   int32_t nLength)
-{
-    Q_ASSERT(IsLocked(mutexFrame));
     if (pHardware == nullptr) {
         return;
     }
@@ -40,8 +30,10 @@ void DestroyHardware(std::unique_ptr<CLS_D3D11EGL> &pHardware)
 
 QRect DeviceRect(const QWidget &widget)
 {
-    const QScreen *pScreen = widget.screen();
-    const double dRatio = pScreen != nullptr ? pScreen->devicePixelRatio() : 1.0;
+    const int nScreen = QApplication::desktop()->screenNumber(&widget);
+    const QList<QScreen *> listScreens = QGuiApplication::screens();
+    const bool blOnScreen = nScreen >= 0 && nScreen < listScreens.size();
+    const double dRatio = blOnScreen ? listScreens.at(nScreen)->devicePixelRatio() : 1.0;
     QRect rcDevice = widget.rect();
     rcDevice.setSize(QSize(geometry::TruncateToInt(rcDevice.width() * dRatio),
                            geometry::TruncateToInt(rcDevice.height() * dRatio)));

@@ -25,6 +25,16 @@ const char *GlString(QOpenGLExtraFunctions &gl, GLenum nName)
     return pszValue != nullptr ? pszValue : "";
 }
 
+// Either moves the object or, without memory, leaves it where it is.
+template <class Object>
+void MoveInto(std::vector<std::unique_ptr<Object>> &vecObjects, std::unique_ptr<Object> &pObject)
+{
+    if (pObject != nullptr) {
+        vecObjects.push_back(nullptr);
+        vecObjects.back() = std::move(pObject);
+    }
+}
+
 } // namespace
 
 std::unique_ptr<QOpenGLShaderProgram> BuildProgram(const char *pszVertexShader, const char *pszFragmentShader)
@@ -100,28 +110,26 @@ void LogGlStrings(QOpenGLExtraFunctions &gl, const char *pszClass)
 RetiredObjects::RetiredObjects() = default;
 RetiredObjects::~RetiredObjects() = default;
 
-void RetiredObjects::Add(std::unique_ptr<QOpenGLShaderProgram> pProgram)
+void RetiredObjects::Add(std::unique_ptr<QOpenGLShaderProgram> &pProgram)
 {
-    if (pProgram != nullptr) {
-        m_vecPrograms.push_back(std::move(pProgram));
-    }
+    MoveInto(m_vecPrograms, pProgram);
 }
 
-void RetiredObjects::Add(std::unique_ptr<QOpenGLTexture> pTexture)
+void RetiredObjects::Add(std::unique_ptr<QOpenGLTexture> &pTexture)
 {
-    if (pTexture != nullptr) {
-        m_vecTextures.push_back(std::move(pTexture));
-    }
+    MoveInto(m_vecTextures, pTexture);
 }
 
-void RetiredObjects::Add(std::unique_ptr<CLS_D3D11EGL> pD3D11EGL)
+void RetiredObjects::Add(std::unique_ptr<CLS_D3D11EGL> &pD3D11EGL)
 {
     if (pD3D11EGL == nullptr) {
         return;
     }
     pD3D11EGL->ReleaseHostObjects();
     if (pD3D11EGL->HoldsContextObjects()) {
-        m_vecD3D11EGL.push_back(std::move(pD3D11EGL));
+        MoveInto(m_vecD3D11EGL, pD3D11EGL);
+    } else {
+        pD3D11EGL.reset();
     }
 }
 

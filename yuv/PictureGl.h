@@ -46,9 +46,10 @@ public:
 
     // Any thread. Null is ignored. A hardware path without GL objects is destroyed at once; of another one
     // only these wait, so that a pane that nobody paints holds nothing of the host's.
-    void Add(std::unique_ptr<QOpenGLShaderProgram> pProgram);
-    void Add(std::unique_ptr<QOpenGLTexture> pTexture);
-    void Add(std::unique_ptr<CLS_D3D11EGL> pD3D11EGL);
+    // What there is no memory to keep stays with the caller, and std::bad_alloc is thrown.
+    void Add(std::unique_ptr<QOpenGLShaderProgram> &pProgram);
+    void Add(std::unique_ptr<QOpenGLTexture> &pTexture);
+    void Add(std::unique_ptr<CLS_D3D11EGL> &pD3D11EGL);
 
     // Painting thread, the context current that the objects belong to.
     void DestroyAll();

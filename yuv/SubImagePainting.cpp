@@ -3,10 +3,10 @@
 
 #include "d3d11/CLS_D3D11EGL.h"
 #include "log/CLS_OmbrixApi.h"
+#include "log/QtMessages.h"
+#include "widget/InsideScope.h"
 #include "yuv/HardwarePath.h"
-#include "yuv/YuvShaderSources.h"
 
-#include <QMutexLocker>
 #include <QOpenGLContext>
 #include <QOpenGLShaderProgram>
 #include <QOpenGLTexture>
@@ -21,7 +21,9 @@ constexpr auto kPaintTimeout = std::chrono::milliseconds(500);
 
 void CLS_ShaderYuvSubImage::initializeGL()
 {
-    const QMutexLocker locker(&m_mutexFrame);
+    const qtlog::Deferral messages;
+    const FrameBorrowing lock(FrameMutexToBorrow());
+    const InsideScope inside(this);
     initializeOpenGLFunctions();
     connect(context(), &QOpenGLContext::aboutToBeDestroyed, this, [this] { OnContextLost(); });
     yuv::LogGlStrings(*this, "CLS_ShaderYuvSubImage");
@@ -29,14 +31,17 @@ void CLS_ShaderYuvSubImage::initializeGL()
 
 void CLS_ShaderYuvSubImage::OnContextLost()
 {
+    const qtlog::Deferral messages;
     makeCurrent();
     {
-        const QMutexLocker locker(&m_mutexFrame);
+        const FrameBorrowing lock(FrameMutexToBorrow());
+        const InsideScope inside(this);
         ReleaseGLResource();
         DestroyRetired();
         if (m_pD3D11EGL != nullptr) {
             m_pD3D11EGL->ReleaseContextObjects();
         }
+        m_blPaintTwice = m_nDisplayType == VIDEO_DISPLAY_DXGL;
     }
     doneCurrent();
 }
@@ -58,17 +63,28 @@ void CLS_ShaderYuvSubImage::resizeGL(int nWidth, int nHeight)
 
 void CLS_ShaderYuvSubImage::paintGL()
 {
+    const PaintScope painting(*this);
     if (m_nDisplayType == -1) {
         PaintBlack();
         return;
     }
-    const std::unique_lock<QMutex> lock(m_mutexFrame, kPaintTimeout);
-    if (!lock.owns_lock()) {
-        return;
+    // Labels last: their events run code of the host's, and no lock is held any more.
+    if (PaintFrame()) {
+        AddLabelWhilePainting();
     }
+}
+
+bool CLS_ShaderYuvSubImage::PaintFrame()
+{
+    const qtlog::Deferral messages; // the host's handler for them runs when the lock is released
+    const std::unique_lock<FrameMutex> lock(m_mutexFrame, kPaintTimeout);
+    if (!lock.owns_lock()) {
+        return false;
+    }
+    const InsideScope inside(this);
     DestroyRetired();
     if (m_nDisplayType != VIDEO_DISPLAY_DXGL && m_pFrameBuffer == nullptr) {
-        return;
+        return false;
     }
     if (!m_blGLReady) {
         EnsurePrograms();
@@ -77,15 +93,17 @@ void CLS_ShaderYuvSubImage::paintGL()
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
     glEnable(GL_DEPTH_TEST);
     PaintDrawInfo();
-    AddLabelWhilePainting();
     DrawPicture();
+    return true;
 }
 
 void CLS_ShaderYuvSubImage::PaintBlack()
 {
     {
-        const std::unique_lock<QMutex> lock(m_mutexFrame, std::try_to_lock);
+        const qtlog::Deferral messages;
+        const std::unique_lock<FrameMutex> lock(m_mutexFrame, std::try_to_lock);
         if (lock.owns_lock()) {
+            const InsideScope inside(this);
             DestroyRetired();
         }
     }
@@ -131,69 +149,6 @@ bool CLS_ShaderYuvSubImage::BindPictureProgram()
     return m_pProgram != nullptr && m_pProgram->bind();
 }
 
-void CLS_ShaderYuvSubImage::InitGLYV12()
-{
-    m_pProgram = yuv::BuildProgram(yuv::kYv12PlainVertexShader, yuv::kYv12FragmentShader);
-    m_nLocTexY = m_pProgram->uniformLocation("tex_y");
-    m_nLocTexU = m_pProgram->uniformLocation("tex_u");
-    m_nLocTexV = m_pProgram->uniformLocation("tex_v");
-    m_nLocDrawFlag = m_pProgram->uniformLocation("u_iDrawFlag");
-    m_nLocDrawColor = m_pProgram->uniformLocation("u_vDrawColor");
-    yuv::UseTextureCoordinates(*this);
-    if (CreateTextures("CLS_ShaderYuvSubImage::InitGLYV12", true)) {
-        glClearColor(0, 0, 0, 0);
-    }
-}
-
-void CLS_ShaderYuvSubImage::InitGLNV12()
-{
-    m_pProgram = yuv::BuildProgram(yuv::kNv12PlainVertexShader, yuv::kNv12FragmentShader);
-    m_nLocDrawFlag = m_pProgram->uniformLocation("u_iDrawFlag");
-    m_nLocDrawColor = m_pProgram->uniformLocation("u_vDrawColor");
-    m_nLocTexY = m_pProgram->uniformLocation("tex_y");
-    m_nLocTexU = m_pProgram->uniformLocation("tex_u");
-    yuv::UseTextureCoordinates(*this);
-    if (CreateTextures("CLS_ShaderYuvSubImage::InitGLNV12", false)) {
-        glClearColor(0, 0, 0, 0);
-    }
-}
-
-bool CLS_ShaderYuvSubImage::CreateTextures(const char *pszFunction, bool blThirdPlane)
-{
-    Q_ASSERT(IsContextCurrent());
-    m_szTextures = QSize(); // the first draw of a whole frame allocates
-    m_pTexY = yuv::NewTexture();
-    m_pTexU = m_pTexY != nullptr ? yuv::NewTexture() : nullptr;
-    m_pTexV = m_pTexU != nullptr && blThirdPlane ? yuv::NewTexture() : nullptr;
-    if (m_pTexU == nullptr || (blThirdPlane && m_pTexV == nullptr)) {
-        m_pTexU.reset(); // a draw looks for the complete set
-        XELT_REPORT_ERROR("CLS_ShaderYuvSubImage", pszFunction,
-                          "new QOpenGLTexture faild,can not malloc memory!");
-        return false;
-    }
-    return true;
-}
-
-bool CLS_ShaderYuvSubImage::EnsureTextures(uint32_t nChromaFormat)
-{
-    const QSize szLuma(m_nVideoWidth, m_nVideoHeight);
-    if (m_szTextures == szLuma) {
-        return true;
-    }
-    const GLint nLargest = yuv::MaxTextureSize(*this);
-    if (szLuma.width() > nLargest || szLuma.height() > nLargest) {
-        return false;
-    }
-    const QSize szChroma(m_nVideoWidth / 2, m_nVideoHeight / 2);
-    AllocatePlane(*m_pTexY, GL_RED, szLuma);
-    AllocatePlane(*m_pTexU, nChromaFormat, szChroma);
-    if (m_pTexV != nullptr) {
-        AllocatePlane(*m_pTexV, nChromaFormat, szChroma);
-    }
-    m_szTextures = szLuma;
-    return true;
-}
-
 void CLS_ShaderYuvSubImage::AllocatePlane(QOpenGLTexture &texture, uint32_t nFormat, const QSize &size)
 {
     // A QOpenGLTexture takes its size once: another size is another texture.
@@ -214,7 +169,7 @@ void CLS_ShaderYuvSubImage::DrawPicture()
     if (m_pTexU == nullptr || !HoldsWholeFrame()) {
         return;
     }
-    if (m_nDisplayType == VIDEO_DISPLAY_YV12) {
+    if (m_nDisplayType == VIDEO_DISPLAY_YV12 && m_pTexV != nullptr) {
         DrawYV12();
     } else if (m_nDisplayType == VIDEO_DISPLAY_NV12 && m_pPlaneY != nullptr && m_pPlaneUV != nullptr) {
         DrawNV12();
@@ -226,7 +181,7 @@ void CLS_ShaderYuvSubImage::PrepareQuad(geometry::QuadVertices &afPositions)
     Q_ASSERT(IsContextCurrent());
     m_pProgram->bind();
     // The whole widget is the drawn area: ratio mode and destination rectangle do not count here.
-    geometry::ComputeQuad(geometry::NormRect(), m_rcEZoom, afPositions);
+    geometry::ComputeQuad(geometry::NormRect(), CurrentPicture().rcEZoom, afPositions);
     yuv::UsePositions(*this, afPositions);
 }
 
@@ -283,9 +238,12 @@ void CLS_ShaderYuvSubImage::DrawD3D11()
     if (m_pD3D11EGL == nullptr) {
         return;
     }
-    Q_ASSERT(yuv::IsLocked(m_mutexFrame)); // frames come from host threads
-    m_pD3D11EGL->SetAreas(geometry::NormRect(), m_rcEZoom);
+    m_pD3D11EGL->SetAreas(geometry::NormRect(), CurrentPicture().rcEZoom);
     m_pD3D11EGL->Render(yuv::DeviceRect(*this));
+    if (m_blPaintTwice) {
+        m_blPaintTwice = false;
+        Q_EMIT signalUpdate();
+    }
 }
 
 void CLS_ShaderYuvSubImage::PaintDrawInfo()
@@ -293,12 +251,12 @@ void CLS_ShaderYuvSubImage::PaintDrawInfo()
     if (!IsContextCurrent()) {
         return;
     }
-    const QMutexLocker locker(&m_mutexDrawInfo);
-    if (m_vecDrawInfo.isEmpty() || !BindPictureProgram()) {
+    const QVector<XeltDrawInfo> vecRecords = DrawInfo();
+    if (vecRecords.isEmpty() || !BindPictureProgram()) {
         return;
     }
     // These programs' opacity uniform is not looked up: everything is opaque.
     const yuv::DrawInfoLocations locations = {m_nLocDrawFlag, m_nLocDrawColor, -1};
-    m_painter.Paint(*this, context()->isOpenGLES(), m_vecDrawInfo, yuv::DrawInfoPass::AllOpaque, locations,
-                    geometry::MapPoints(rect(), m_rcEZoom));
+    m_painter.Paint(*this, context()->isOpenGLES(), vecRecords, yuv::DrawInfoPass::AllOpaque, locations,
+                    geometry::MapPoints(rect(), CurrentPicture().rcEZoom));
 }

@@ -3,11 +3,12 @@
 
 #include "d3d11/CLS_D3D11EGL.h"
 #include "log/CLS_OmbrixApi.h"
+#include "log/QtMessages.h"
+#include "widget/InsideScope.h"
 #include "yuv/HardwarePath.h"
 #include "yuv/PictureGl.h"
 
 #include <QColor>
-#include <QMutexLocker>
 #include <QOpenGLContext>
 #include <QOpenGLShaderProgram>
 #include <chrono>
@@ -21,7 +22,9 @@ constexpr auto kPaintTimeout = std::chrono::milliseconds(500);
 
 void CLS_ShaderYuv::initializeGL()
 {
-    const auto lock = LockFrame();
+    const qtlog::Deferral messages;
+    const FrameBorrowing lock(FrameMutexToBorrow());
+    const InsideScope inside(this);
     initializeOpenGLFunctions();
     connect(context(), &QOpenGLContext::aboutToBeDestroyed, this, [this] { OnContextLost(); });
     yuv::LogGlStrings(*this, "CLS_ShaderYuv");
@@ -29,9 +32,11 @@ void CLS_ShaderYuv::initializeGL()
 
 void CLS_ShaderYuv::OnContextLost()
 {
+    const qtlog::Deferral messages;
     makeCurrent();
     {
-        const auto lock = LockFrame();
+        const FrameBorrowing lock(FrameMutexToBorrow());
+        const InsideScope inside(this);
         ReleaseGLResource();
         if (m_pD3D11EGL != nullptr) {
             m_pD3D11EGL->ReleaseContextObjects();
@@ -51,10 +56,13 @@ void CLS_ShaderYuv::resizeGL(int nWidth, int nHeight)
 
 void CLS_ShaderYuv::paintGL()
 {
-    std::unique_lock<QMutex> lock(m_mutexFrame, kPaintTimeout);
+    const PaintScope painting(*this);
+    const qtlog::Deferral messages; // the host's handler for them runs when the lock is released
+    std::unique_lock<FrameMutex> lock(m_mutexFrame, kPaintTimeout);
     if (!lock.owns_lock()) {
         return;
     }
+    const InsideScope inside(this);
     m_retired.DestroyAll();
     if (m_bTypeChanged) {
         ReleaseGLResource();
@@ -73,8 +81,7 @@ void CLS_ShaderYuv::paintGL()
     }
     if (!m_blGLReady && !EnsurePrograms()) {
         // The frame mutex stays locked, deliberately: without a program no later frame may be accepted.
-        lock.release();
-        m_blFrameMutexKept = true;
+        lock.release()->Keep();
         return;
     }
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
@@ -146,9 +153,9 @@ void CLS_ShaderYuv::DrawD3D11()
     if (m_pD3D11EGL == nullptr) {
         return;
     }
-    Q_ASSERT(yuv::IsLocked(m_mutexFrame)); // frames come from host threads
-    m_pD3D11EGL->SetAreas(m_rcDrawArea, m_rcEZoom);
-    m_pD3D11EGL->SetRotation(m_nVideoRotateDirection, m_nVideoRotateAngle, mirrorType);
+    const Picture picture = CurrentPicture();
+    m_pD3D11EGL->SetAreas(picture.rcDrawArea, picture.rcEZoom);
+    m_pD3D11EGL->SetRotation(picture.rotation.nDirection, picture.rotation.nAngle, picture.rotation.nMirror);
     if (m_pD3D11EGL->Render(yuv::DeviceRect(*this)) != 0) {
         ++m_nD3D11FailCount;
     } else {
@@ -166,7 +173,8 @@ bool CLS_ShaderYuv::BindPictureProgram()
         if (m_pD3D11EGL == nullptr) {
             return false;
         }
-        m_pD3D11EGL->SetRotation(m_nVideoRotateDirection, m_nVideoRotateAngle, mirrorType);
+        const XeltRotatePara para = CurrentPicture().rotation;
+        m_pD3D11EGL->SetRotation(para.nDirection, para.nAngle, para.nMirror);
         return m_pD3D11EGL->BindProgram();
     }
     return m_pProgram != nullptr && m_pProgram->bind();
@@ -177,8 +185,8 @@ void CLS_ShaderYuv::PaintDrawInfo(yuv::DrawInfoPass pass)
     if (!IsContextCurrent()) {
         return;
     }
-    const QMutexLocker locker(&m_mutexDrawInfo);
-    if (m_vecDrawInfo.isEmpty() || !BindPictureProgram()) {
+    const QVector<XeltDrawInfo> vecRecords = DrawInfo();
+    if (vecRecords.isEmpty() || !BindPictureProgram()) {
         return;
     }
     yuv::DrawInfoLocations locations = {m_nLocDrawFlag, m_nLocDrawColor, m_nLocDrawAlpha};
@@ -188,6 +196,6 @@ void CLS_ShaderYuv::PaintDrawInfo(yuv::DrawInfoPass pass)
     } else {
         SetMatrix(); // shapes turn with the picture from its first paint on
     }
-    m_painter.Paint(*this, context()->isOpenGLES(), m_vecDrawInfo, pass, locations,
-                    geometry::MapPoints(rect(), m_rcEZoom));
+    m_painter.Paint(*this, context()->isOpenGLES(), vecRecords, pass, locations,
+                    geometry::MapPoints(rect(), CurrentPicture().rcEZoom));
 }

@@ -83,6 +83,11 @@ template <int Variant> struct Wrappers
     static inline void (*texParameteri)(GLenum, GLenum, GLint) = nullptr;
     static inline void (*texImage2D)(GLenum, GLint, GLint, GLsizei, GLsizei, GLint, GLenum, GLenum,
                                      const void *) = nullptr;
+    static inline void (*texSubImage2D)(GLenum, GLint, GLint, GLint, GLsizei, GLsizei, GLenum, GLenum,
+                                        const void *) = nullptr;
+    static inline void (*pixelStorei)(GLenum, GLint) = nullptr;
+    static inline void (*lineWidth)(GLfloat) = nullptr;
+    static inline void (*uniform3f)(GLint, GLfloat, GLfloat, GLfloat) = nullptr;
     static inline void (*useProgram)(GLuint) = nullptr;
     static inline void (*uniform1i)(GLint, GLint) = nullptr;
     static inline void (*uniform1f)(GLint, GLfloat) = nullptr;
@@ -236,6 +241,27 @@ template <int Variant> struct Wrappers
                         number(pPixels));
         texImage2D(nTarget, nLevel, nInternal, nWidth, nHeight, nBorder, nFormat, nType, pPixels);
     }
+    static void onTexSubImage2D(GLenum nTarget, GLint nLevel, GLint x, GLint y, GLsizei nWidth,
+                                GLsizei nHeight, GLenum nFormat, GLenum nType, const void *pPixels)
+    {
+        noteSurrounding("part", nTarget, nLevel, x, y, nWidth, nHeight, nFormat, nType);
+        texSubImage2D(nTarget, nLevel, x, y, nWidth, nHeight, nFormat, nType, pPixels);
+    }
+    static void onPixelStorei(GLenum nName, GLint nValue)
+    {
+        noteSurrounding("store", nName, nValue);
+        pixelStorei(nName, nValue);
+    }
+    static void onLineWidth(GLfloat fWidth)
+    {
+        noteSurrounding("line", fWidth);
+        lineWidth(fWidth);
+    }
+    static void onUniform3f(GLint nLocation, GLfloat fX, GLfloat fY, GLfloat fZ)
+    {
+        noteSurrounding("uniform", nLocation, "is", fX, fY, fZ);
+        uniform3f(nLocation, fX, fY, fZ);
+    }
     static void onUseProgram(GLuint nProgram)
     {
         noteSurrounding("program", nProgram);
@@ -303,6 +329,10 @@ template <int Variant> Function wrap(const std::string &sName, Function pfnFound
     if (sName == "glBindTexture") return replace(W::bindTexture, pfnFound, &W::onBindTexture);
     if (sName == "glTexParameteri") return replace(W::texParameteri, pfnFound, &W::onTexParameteri);
     if (sName == "glTexImage2D") return replace(W::texImage2D, pfnFound, &W::onTexImage2D);
+    if (sName == "glTexSubImage2D") return replace(W::texSubImage2D, pfnFound, &W::onTexSubImage2D);
+    if (sName == "glPixelStorei") return replace(W::pixelStorei, pfnFound, &W::onPixelStorei);
+    if (sName == "glLineWidth") return replace(W::lineWidth, pfnFound, &W::onLineWidth);
+    if (sName == "glUniform3f") return replace(W::uniform3f, pfnFound, &W::onUniform3f);
     if (sName == "glUseProgram") return replace(W::useProgram, pfnFound, &W::onUseProgram);
     if (sName == "glUniform1i") return replace(W::uniform1i, pfnFound, &W::onUniform1i);
     if (sName == "glUniform1f") return replace(W::uniform1f, pfnFound, &W::onUniform1f);

@@ -11,7 +11,8 @@
 //   "viewport 0 0 64 48", "switch on 3042", "switch off 3042", "blend 770 771 770 771", "finish"
 //   "unit 0", "texture 3553 5", "parameter 3553 10241 9729"
 //   "image 3553 0 32993 64 48 0 32993 5121 at 0" (level, internal format, size, border, format, type, address)
-//   "program 3", "uniform 4 is 0", "uniform 5 is 1.000000", "matrix 2 is 1.000000 0.000000 ..." (by columns)
+//   "part 3553 0 0 0 64 48 6403 5121" (level, x, y, size, format, type), "store 3317 1", "line 3.000000"
+//   "program 3", "uniform 4 is 0", "uniform 5 is 1.000000" (and three of them), "matrix 2 is 1.000000 0.000000 ..." (by columns)
 //
 // GlLookup.h stands between Qt and the driver from the first context on. One at a time, on the GUI thread.
 #pragma once

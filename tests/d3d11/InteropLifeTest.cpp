@@ -48,6 +48,17 @@ TEST_F(InteropLife, AHiddenPaneThatIsClearedHoldsNothingOfTheHosts)
     EXPECT_EQ(surfaces(), 1U);
 }
 
+TEST_F(InteropLife, AFrameOfAnotherTypeLetsGoOfWhatIsTheHosts)
+{
+    submit(yv12Frame(makePlanes(Pattern::Ramp, 96, 64)));
+    expectOnlyTheDecoders();
+    drainEvents();
+    EXPECT_EQ(surfaces(), 0U);
+    expectOnlyTheDecoders();
+    ASSERT_EQ(submitSlice(makePlanes(Pattern::Card, 96, 64, 5)), 0);
+    EXPECT_TRUE(shows());
+}
+
 TEST_F(InteropLife, ReleasedOnAnotherThreadNothingIsLeft)
 {
     ASSERT_EQ(window().releaseOnThread(handle()), 0);

@@ -94,7 +94,7 @@ protected:
     }
     bool isFree()
     {
-        const bool blFree = m_pPane->m_mutexFrame.tryLock();
+        const bool blFree = m_pPane->m_mutexFrame.try_lock();
         if (blFree) {
             m_pPane->m_mutexFrame.unlock();
         }

@@ -9,8 +9,10 @@
 namespace {
 
 using namespace xelttest;
+using testing::Each;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::SizeIs;
 using testing::StartsWith;
 
 // GoogleTest's own knows little of regular expressions on some systems.
@@ -100,6 +102,23 @@ TEST_F(InteropLog, FromTheFirstFrameToTheLast)
     Xelt_ClearDraw(handle());
     paint();
     EXPECT_THAT(takeMessages(), ElementsAre("[CLS_D3D11EGL::~CLS_D3D11EGL]Success!"));
+}
+
+// The main renderer has a hardware path from its beginning, and its end makes and ends another one.
+TEST_F(InteropLog, APaneThatIsDestroyed)
+{
+    QWidget host;
+    const int32_t nType = rendererType();
+    void *const own = Xelt_CreateEx(&nType, sizeof nType);
+    ASSERT_NE(own, nullptr);
+    paneWidget(own)->setParent(&host);
+    host.show();
+    ASSERT_TRUE(pump([&] { return paneWidget(own)->isValid(); }));
+    drainEvents();
+    takeMessages();
+    delete paneWidget(own);
+    EXPECT_THAT(takeMessages(), testing::AllOf(SizeIs(nType == XELT_RENDERER_YUV ? 2 : 0),
+                                               Each("[CLS_D3D11EGL::~CLS_D3D11EGL]Success!")));
 }
 
 TEST_F(InteropLog, TheCallsToEgl)

@@ -22,49 +22,57 @@ using namespace xelttest;
 
 constexpr int k_nTimeoutMs = 200;
 
+RendererRegistry::EntryPtr newEntry()
+{
+    auto pEntry = std::make_shared<RendererEntry>();
+    pEntry->pMutex = std::make_unique<QMutex>();
+    return pEntry;
+}
+
 TEST(Registry, KnowsWhatWasInsertedUntilItIsRemoved)
 {
     RendererRegistry registry;
     char aHandles[2] = {};
-    QMutex mutex;
+    const auto pEntry = newEntry();
     EXPECT_EQ(registry.Find(&aHandles[0], k_nTimeoutMs), nullptr);
     EXPECT_EQ(registry.Remove(&aHandles[0]), nullptr);
-    registry.Insert(&aHandles[0], &mutex);
-    EXPECT_EQ(registry.Find(&aHandles[0], k_nTimeoutMs), &mutex);
+    registry.Insert(&aHandles[0], pEntry);
+    EXPECT_EQ(registry.Find(&aHandles[0], k_nTimeoutMs), pEntry);
     EXPECT_EQ(registry.Find(&aHandles[1], k_nTimeoutMs), nullptr);
     EXPECT_EQ(registry.Find(nullptr, k_nTimeoutMs), nullptr);
-    EXPECT_EQ(registry.Remove(&aHandles[0]), &mutex);
+    EXPECT_EQ(registry.Remove(&aHandles[0]), pEntry);
     EXPECT_EQ(registry.Find(&aHandles[0], k_nTimeoutMs), nullptr);
     EXPECT_EQ(registry.Remove(&aHandles[0]), nullptr);
+    EXPECT_EQ(pEntry.use_count(), 1) << "nothing of it is left in the registry";
 }
 
-TEST(Registry, InsertingAKnownHandleReplacesItsMutex)
+TEST(Registry, InsertingAKnownHandleReplacesItsEntry)
 {
     RendererRegistry registry;
     char aHandles[2] = {};
-    QMutex first;
-    QMutex second;
-    QMutex other;
-    registry.Insert(&aHandles[0], &first);
-    registry.Insert(&aHandles[1], &other);
-    registry.Insert(&aHandles[0], &second);
-    EXPECT_EQ(registry.Find(&aHandles[0], k_nTimeoutMs), &second);
-    EXPECT_EQ(registry.Find(&aHandles[1], k_nTimeoutMs), &other);
-    // There is one entry; the first mutex is left alone.
-    EXPECT_EQ(registry.Remove(&aHandles[0]), &second);
+    const auto pFirst = newEntry();
+    const auto pSecond = newEntry();
+    const auto pOther = newEntry();
+    registry.Insert(&aHandles[0], pFirst);
+    registry.Insert(&aHandles[1], pOther);
+    registry.Insert(&aHandles[0], pSecond);
+    EXPECT_EQ(registry.Find(&aHandles[0], k_nTimeoutMs), pSecond);
+    EXPECT_EQ(registry.Find(&aHandles[1], k_nTimeoutMs), pOther);
+    // There is one entry; whoever holds the first one may go on with it.
+    EXPECT_EQ(registry.Remove(&aHandles[0]), pSecond);
     EXPECT_EQ(registry.Remove(&aHandles[0]), nullptr);
-    EXPECT_TRUE(first.tryLock());
-    first.unlock();
+    EXPECT_TRUE(pFirst->pMutex->tryLock());
+    pFirst->pMutex->unlock();
 }
 
 TEST(Registry, FindReadsBesideReadersAndGivesUpBehindAWriter)
 {
     RendererRegistry registry;
     char handle = 0;
-    QMutex mutex;
-    registry.Insert(&handle, &mutex);
+    const auto pEntry = newEntry();
+    registry.Insert(&handle, pEntry);
     registry.Lock().lockForRead();
-    EXPECT_EQ(Background([&] { return registry.Find(&handle, k_nTimeoutMs) == &mutex; }).join().nResult, 1);
+    EXPECT_EQ(Background([&] { return registry.Find(&handle, k_nTimeoutMs) == pEntry; }).join().nResult, 1);
     registry.Lock().unlock();
 
     registry.Lock().lockForWrite();
@@ -72,7 +80,7 @@ TEST(Registry, FindReadsBesideReadersAndGivesUpBehindAWriter)
     registry.Lock().unlock();
     EXPECT_EQ(found.nResult, 0);
     EXPECT_TRUE(found.lasted(Milliseconds(k_nTimeoutMs))) << found.duration.count();
-    EXPECT_EQ(registry.Find(&handle, k_nTimeoutMs), &mutex) << "and leaves it unlocked";
+    EXPECT_EQ(registry.Find(&handle, k_nTimeoutMs), pEntry) << "and leaves it unlocked";
 }
 
 class RegistryEntry : public testing::Test
@@ -86,10 +94,10 @@ protected:
     }
     void TearDown() override { drainEvents(); }
 
-    static void insert(void *handle, QMutex *pMutex)
+    static void insert(void *handle, const RendererRegistry::EntryPtr &pEntry)
     {
         const QWriteLocker locker(&g_registry.Lock());
-        g_registry.Insert(handle, pMutex);
+        g_registry.Insert(handle, pEntry);
     }
     static int32_t setRatio(void *handle)
     {
@@ -109,32 +117,32 @@ TEST_F(RegistryEntry, ItsPresentMutexIsTheOneThatCallsTake)
 {
     void *handle = Inside_Create(nullptr);
     ASSERT_NE(handle, nullptr);
-    QMutex *pFirst = g_registry.Find(handle, k_nTimeoutMs);
+    const auto pFirst = g_registry.Find(handle, k_nTimeoutMs);
     ASSERT_NE(pFirst, nullptr);
-    QMutex second;
-    insert(handle, &second);
-    ASSERT_EQ(g_registry.Find(handle, k_nTimeoutMs), &second);
+    const auto pSecond = newEntry();
+    pSecond->pRenderer = pFirst->pRenderer;
+    insert(handle, pSecond);
 
-    pFirst->lock();
+    pFirst->pMutex->lock();
     EXPECT_EQ(Background([=] { return showFrame(handle); }).join().nResult, 0);
     EXPECT_EQ(setRatio(handle), 0);
-    pFirst->unlock();
-    second.lock();
+    pFirst->pMutex->unlock();
+    pSecond->pMutex->lock();
     const Timed shown = Background([=] { return showFrame(handle); }).join();
     EXPECT_EQ(shown.nResult, -1);
     EXPECT_TRUE(shown.lasted(Milliseconds(500))) << shown.duration.count();
-    second.unlock();
+    pSecond->pMutex->unlock();
     EXPECT_EQ(showFrame(handle), 0);
 
-    insert(handle, pFirst); // which the release frees
     EXPECT_EQ(Inside_Release(handle), 0);
 }
 
-TEST_F(RegistryEntry, WithoutAMutexItIsAnsweredLikeAnUnknownHandle)
+// A call that found its entry in time, and comes to its turn when the renderer is gone.
+TEST_F(RegistryEntry, OfAnEndedRendererAnswersLikeAnUnknownHandle)
 {
     const GuardedBytes nothing(0); // an address that must not be read
     void *handle = nothing.data();
-    insert(handle, nullptr);
+    insert(handle, newEntry());
     EXPECT_EQ(setRatio(handle), -1);
     EXPECT_EQ(showFrame(handle), -1);
     uint32_t nOpenGLES = 77;
@@ -146,18 +154,30 @@ TEST_F(RegistryEntry, WithoutAMutexItIsAnsweredLikeAnUnknownHandle)
     EXPECT_EQ(CoreLog::instance().records().size(), 1U) << "the release's own line";
 }
 
+TEST_F(RegistryEntry, WithoutAMutexItIsAnsweredLikeAnUnknownHandle)
+{
+    const GuardedBytes nothing(0); // an address that must not be read
+    void *handle = nothing.data();
+    for (const auto &pEntry : {RendererRegistry::EntryPtr(), std::make_shared<RendererEntry>()}) {
+        insert(handle, pEntry);
+        EXPECT_EQ(setRatio(handle), -1);
+        EXPECT_EQ(showFrame(handle), -1);
+        EXPECT_EQ(Inside_Release(handle), 0);
+    }
+}
+
 // The renderer is whole; only its entry has no mutex. Nothing reaches it, and it is not disposed of.
 TEST_F(RegistryEntry, WithoutAMutexItsRendererIsOutOfReach)
 {
     void *handle = Inside_Create(nullptr);
     ASSERT_NE(handle, nullptr);
-    QMutex *pMutex = g_registry.Find(handle, k_nTimeoutMs);
+    const auto pEntry = g_registry.Find(handle, k_nTimeoutMs);
     insert(handle, nullptr);
     EXPECT_EQ(setRatio(handle), -1);
     EXPECT_EQ(showFrame(handle), -1);
     EXPECT_EQ(Inside_Release(handle), 0);
     drainEvents();
-    insert(handle, pMutex);
+    insert(handle, pEntry);
     EXPECT_EQ(showFrame(handle), 0) << "it is still there";
     EXPECT_EQ(Inside_Release(handle), 0);
 }

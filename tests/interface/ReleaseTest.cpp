@@ -1,4 +1,5 @@
 // Release: what it logs, detachment, and destruction by the event loop only.
+#include "AllocationTrap.h"
 #include "Background.h"
 #include "CoreLog.h"
 #include "Frames.h"
@@ -13,9 +14,11 @@
 #include <QThread>
 #include <QTimer>
 
+#include <cstdint>
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -182,6 +185,72 @@ TEST_P(ReleaseOfType, ForgetsTheCallbackAtOnce)
     pRequests.reset(); // whoever asks now reads what is gone
     pPane->resize(180, 120);
     EXPECT_TRUE(pump([&] { return destruction.nCount > 0; }));
+}
+
+// Fails one of the library's allocations on this thread, by its number among them.
+class FailingAllocation
+{
+public:
+    explicit FailingAllocation(int nNumber)
+    {
+        m_vecTraps.reserve(static_cast<size_t>(nNumber) + 1);
+        set(nNumber);
+    }
+    bool hasFailed() const { return m_blFailed; }
+
+private:
+    void set(int nLeft)
+    {
+        const auto action = [this, nLeft] {
+            m_blFailed = nLeft == 0;
+            if (!m_blFailed) {
+                set(nLeft - 1);
+            }
+            return !m_blFailed;
+        };
+        auto pTrap = std::make_unique<AllocationTrap>(AllocationTrap::Form::Throwing, 0, SIZE_MAX, action);
+        m_vecTraps.push_back(std::move(pTrap));
+    }
+
+    std::vector<std::unique_ptr<AllocationTrap>> m_vecTraps;
+    bool m_blFailed = false;
+};
+
+TEST_P(ReleaseOfType, DisposesOfTheWidgetWithoutMemory)
+{
+    CoreLog::instance().setLevels(0, 0); // the recorder allocates too
+    const HostFrame frame = yv12Frame(solidPlanes(32, 32, 90, 128, 128));
+    for (const bool blHere : {true, false}) {
+        bool blFailed = true;
+        int nPoints = 0;
+        for (; blFailed; ++nPoints) {
+            ASSERT_LT(nPoints, 100);
+            QWidget window;
+            const int32_t nType = GetParam();
+            void *handle = Xelt_CreateEx(&nType, sizeof nType);
+            ASSERT_NE(handle, nullptr);
+            paneWidget(handle)->setParent(&window);
+            window.show();
+            ASSERT_EQ(show(handle, frame), 0);
+            drainEvents();
+            const Destruction destruction(handle);
+            int32_t nResult = -7;
+            const auto release = [&] {
+                const FailingAllocation failing(nPoints);
+                nResult = Xelt_Release(handle);
+                blFailed = failing.hasFailed();
+                return 0;
+            };
+            if (blHere) {
+                release();
+            } else {
+                Background(release).join();
+            }
+            EXPECT_EQ(nResult, 0) << "allocation " << nPoints;
+            EXPECT_TRUE(pump([&] { return destruction.nCount > 0; })) << "allocation " << nPoints;
+        }
+        EXPECT_GT(nPoints, 1) << "nothing was allocated";
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Types, ReleaseOfType,

@@ -1,10 +1,15 @@
 // State of the sub-image renderer: what frames and releases leave in its members.
 #include "ErrorRecord.h"
+#include "HardwareRecorder.h"
 #include "InsidePane.h"
+#include "SourceLine.h"
 
 #include <QMetaMethod>
 
+#include <gmock/gmock.h>
+
 #include <cstring>
+#include <mutex>
 
 namespace xelttest {
 namespace {
@@ -20,7 +25,7 @@ protected:
     // What the exports do around the release of GL objects.
     void releaseGl()
     {
-        const QMutexLocker locker(&pane().m_mutexFrame);
+        const std::lock_guard<FrameMutex> lock(pane().m_mutexFrame);
         pane().ReleaseGLResource();
     }
 };
@@ -103,7 +108,7 @@ TEST_F(InsideStateTest, UnInitEmptiesTheFrameStateAndNoMore)
         EXPECT_EQ(pane().m_nDisplayType, blLength ? int(VIDEO_DISPLAY_YV12) : -1);
         // The one that the release of GL objects asks for, and none of its own.
         EXPECT_EQ(pane().takeUpdates(), blLength ? 0 : 1);
-        EXPECT_TRUE(pane().m_mutexFrame.tryLock());
+        EXPECT_TRUE(pane().m_mutexFrame.try_lock());
         pane().m_mutexFrame.unlock();
     }
 }
@@ -186,6 +191,8 @@ TEST_F(InsideStateTest, AnErrorRecordNamesTheClass)
     EXPECT_TRUE(isErrorRecord(CoreLog::instance().records(), 0, "CLS_ShaderYuvSubImage",
                               "CLS_ShaderYuvSubImage::ShowYuvFrame",
                               "ShowYuvFrame iWidth = -7 iHeight = 64 is invalid param"));
+    const std::vector<CoreLogRecord> vecRecords = CoreLog::instance().records();
+    EXPECT_TRUE(leadsToReport(vecRecords.at(2).sText, vecRecords.at(3).sText));
 }
 
 TEST_F(InsideStateTest, TheKindIsKeptForAHostWithACallback)
@@ -260,6 +267,55 @@ INSTANTIATE_TEST_SUITE_P(
         return std::to_string(copy.size.width()) + "x" + std::to_string(copy.size.height()) + "Pitch" +
                std::to_string(copy.nPitch) + (copy.blPlanes ? "Planes" : "OneBlock");
     });
+
+// The hardware path with a recorder in its place.
+class InsideHardwareTest : public InsideStateTest
+{
+protected:
+    void SetUp() override
+    {
+        InsideStateTest::SetUp();
+        openWindow();
+        pane().m_pD3D11EGL = std::make_unique<HardwareRecorder>(m_notes);
+        m_texture.desc.nDisplayType = VIDEO_DISPLAY_DXGL;
+        m_texture.desc.iWidth = 96;
+        m_texture.desc.iHeight = 64;
+    }
+
+    HardwareNotes m_notes;
+    HostFrame m_texture;
+};
+
+// A converted picture shows one paint later. The declared length makes the frame outlive its context.
+TEST_F(InsideHardwareTest, ANewContextPaintsATextureTwice)
+{
+    ASSERT_EQ(pane().submit(withLength(frame(VIDEO_DISPLAY_YV12))), 0);
+    ASSERT_EQ(pane().submit(m_texture), 0);
+    pane().picture();
+    drainEvents();
+    pane().takeUpdates();
+    moveToAnotherWindow();
+    m_pOtherWindow->show();
+    ASSERT_TRUE(pump([&] { return pane().isValid(); }));
+    EXPECT_EQ(pane().m_nDisplayType, VIDEO_DISPLAY_DXGL);
+    drainEvents();
+    EXPECT_EQ(pane().takeUpdates(), 1);
+    pane().picture();
+    EXPECT_EQ(pane().takeUpdates(), 0) << "once";
+}
+
+TEST_F(InsideHardwareTest, LeavingTheTypeLetsGoOfWhatIsTheHosts)
+{
+    for (const int nType : {VIDEO_DISPLAY_YV12, VIDEO_DISPLAY_NV12}) {
+        ASSERT_EQ(pane().submit(m_texture), 0);
+        m_notes.take();
+        ASSERT_EQ(pane().submit(frame(nType)), 0);
+        EXPECT_THAT(m_notes.take(), testing::ElementsAre("ReleaseHostObjects"));
+        pane().picture();
+        EXPECT_THAT(m_notes.take(), testing::ElementsAre("ReleaseEGL"));
+        EXPECT_FALSE(m_notes.blDestroyed) << "the next texture finds it";
+    }
+}
 
 } // namespace
 } // namespace xelttest

@@ -3,6 +3,7 @@
 
 #include <QElapsedTimer>
 
+#include <mutex>
 #include <thread>
 
 namespace xelttest {
@@ -25,7 +26,7 @@ protected:
         std::atomic<bool> blHeld{false};
         std::atomic<bool> blPainted{false};
         std::thread holder([&] {
-            const QMutexLocker locker(&pane().m_mutexFrame);
+            const std::lock_guard<FrameMutex> lock(pane().m_mutexFrame);
             blHeld = true;
             QElapsedTimer held;
             held.start();

@@ -236,7 +236,11 @@ BufferModel bufferModel(const VideoFrameDesc &desc, const BufferModel &before)
     BufferModel after = before;
     const bool blResized = desc.iWidth != before.nWidth || desc.iHeight != before.nHeight;
     const size_t nLuma = toSize(desc.iWidth) * toSize(desc.iHeight);
-    if (before.aBytes.empty() || blResized || (desc.nDataLen > 0 && desc.nDataLen != before.nAskedSize)) {
+    const bool blPixels = desc.pFrameData != nullptr || (desc.nDisplayType == VIDEO_DISPLAY_NV12 &&
+                                                         desc.pPlaneY != nullptr && desc.pPlaneUV != nullptr);
+    const bool blOtherLength = desc.nDataLen > 0 ? desc.nDataLen != before.nAskedSize
+                                                 : blPixels && before.aBytes.size() < nLuma * 3 / 2;
+    if (before.aBytes.empty() || blResized || blOtherLength) {
         after.nAskedSize = desc.nDataLen;
         after.aBytes.assign(desc.nDataLen > 0 ? toSize(desc.nDataLen) : nLuma * 3 / 2, 0);
     }

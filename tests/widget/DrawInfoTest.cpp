@@ -253,7 +253,7 @@ TEST_F(DrawInfo, CallbackRunsOnTheSubmittingThreadUnderTheFrameMutex)
     bool blFrameMutexFree = true;
     m_host.body = [&](const XeltDrawInfoRequest &) {
         callbackThread = std::this_thread::get_id();
-        std::thread([&] { blFrameMutexFree = m_yuv.m_mutexFrame.tryLock(); }).join();
+        std::thread([&] { blFrameMutexFree = m_yuv.m_mutexFrame.try_lock(); }).join();
     };
     std::thread submitting([&] { EXPECT_EQ(showKind(1), 0); });
     const std::thread::id submittingThread = submitting.get_id();

@@ -10,6 +10,7 @@
 #include <QVBoxLayout>
 
 #include <chrono>
+#include <mutex>
 #include <thread>
 
 namespace {
@@ -122,7 +123,7 @@ TEST_F(HardwarePaint, FailedInitialisationIsLoggedAndLeavesTheFrameMutexLocked)
     EXPECT_THAT(vecCalls, Contains("InitD3D11EGL"));
     EXPECT_THAT(vecCalls, Not(Contains(StartsWith("Render"))));
     EXPECT_THAT(CoreLog::instance().records(), Contains(CoreLogRecord{CORELOG_MSG, "InitD3D11EGL faild", 0}));
-    const bool blFree = m_pYuv->m_mutexFrame.tryLock();
+    const bool blFree = m_pYuv->m_mutexFrame.try_lock();
     EXPECT_FALSE(blFree);
     // Locked or not: let the renderer go on, so that it can end.
     m_pYuv->m_mutexFrame.unlock();
@@ -131,20 +132,42 @@ TEST_F(HardwarePaint, FailedInitialisationIsLoggedAndLeavesTheFrameMutexLocked)
     EXPECT_EQ(show(VIDEO_DISPLAY_DXGL), 0);
 }
 
-TEST_F(HardwarePaint, AfterAFailedInitialisationTheGuiThreadCanEndThePane)
+// A new hardware path may do better.
+TEST_F(HardwarePaint, AfterAFailedInitialisationAClearTakesFramesAgain)
+{
+    for (const bool blOnThisThread : {true, false}) {
+        m_pYuv->m_pD3D11EGL = std::make_unique<HardwareRecorder>(m_notes);
+        EXPECT_EQ(show(VIDEO_DISPLAY_DXGL), 0);
+        m_notes.nInitResult = -1;
+        paint();
+        ASSERT_FALSE(m_pYuv->m_mutexFrame.try_lock());
+        m_pYuv->blReserveLastFrm = 1;
+        m_pYuv->ClearDraw(); // keeps the picture, and the path
+        EXPECT_FALSE(m_pYuv->m_mutexFrame.try_lock());
+        m_pYuv->blReserveLastFrm = 0;
+        if (blOnThisThread) {
+            m_pYuv->ClearDraw();
+        } else {
+            std::thread([this] { m_pYuv->ClearDraw(); }).join();
+        }
+        m_notes.nInitResult = 0;
+        EXPECT_EQ(show(VIDEO_DISPLAY_DXGL), 0);
+        EXPECT_EQ(m_pYuv->m_nDisplayType, VIDEO_DISPLAY_DXGL);
+    }
+}
+
+TEST_F(HardwarePaint, AfterAFailedInitialisationAMoveAndAnEndGoOn)
 {
     EXPECT_EQ(show(VIDEO_DISPLAY_DXGL), 0);
     m_notes.nInitResult = -1;
     paint();
-    ASSERT_FALSE(m_pYuv->m_mutexFrame.tryLock());
-    EXPECT_EQ(m_pYuv->UnInit(), 0);
-    m_pYuv->ClearDraw();
     // A window of another context takes it over, and closes.
     auto *pOther = new QWidget;
     m_pYuv->setParent(pOther);
     pOther->show();
     EXPECT_TRUE(pump([this] { return m_pYuv->isValid(); }));
-    EXPECT_FALSE(m_pYuv->m_mutexFrame.tryLock());
+    EXPECT_FALSE(m_pYuv->m_mutexFrame.try_lock());
+    EXPECT_EQ(show(VIDEO_DISPLAY_DXGL), -1) << "on the GUI thread, which is not made to wait for itself";
     delete pOther;
     EXPECT_TRUE(m_notes.blDestroyed);
 }
@@ -187,7 +210,28 @@ TEST_F(HardwarePaint, LivesAsLongAsTheWidget)
     EXPECT_FALSE(m_notes.blDestroyed);
     delete m_pYuv;
     EXPECT_TRUE(m_notes.blDestroyed);
+    // The one that the end makes in its place is no recorder.
     EXPECT_THAT(m_notes.take(), ElementsAre("ReleaseEGL", "DestroyEglResource", "destroyed"));
+}
+
+// A clear that keeps the picture has nothing to wait for.
+TEST_F(HardwarePaint, AClearThatKeepsThePictureTakesNoFrameMutex)
+{
+    EXPECT_EQ(show(VIDEO_DISPLAY_DXGL), 0);
+    m_pYuv->blReserveLastFrm = 1;
+    const std::lock_guard<FrameMutex> lock(m_pYuv->m_mutexFrame);
+    std::thread([this] { m_pYuv->ClearDraw(); }).join();
+    EXPECT_THAT(m_notes.take(), Contains("ClearFramePending"));
+    EXPECT_TRUE(m_pYuv->m_bClearPending);
+}
+
+TEST_F(HardwarePaint, OffEveryScreenPixelsAreNotScaled)
+{
+    EXPECT_EQ(show(VIDEO_DISPLAY_DXGL), 0);
+    EXPECT_THAT(paint(), Contains(renderCall()));
+    m_window.move(20000, 20000);
+    drainEvents();
+    EXPECT_THAT(paint(), Contains("Render 0 0 160 120"));
 }
 
 TEST_F(HardwarePaint, BusyFrameMutexSkipsThePaint)

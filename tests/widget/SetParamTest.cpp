@@ -3,6 +3,7 @@
 #include "ErrorRecord.h"
 #include "GuardedBytes.h"
 #include "OpenRenderer.h"
+#include "SourceLine.h"
 
 #include <gmock/gmock.h>
 
@@ -199,10 +200,12 @@ TEST_F(SetParam, RotationIsStoredAndLoggedAngleFirst)
     EXPECT_EQ(m_yuv.mirrorType, 2);
     const auto vecMessages = CoreLog::instance().messages();
     ASSERT_EQ(vecMessages.size(), 1U);
-    const std::regex line("CLS_ShaderBase::CLS_ShaderBase::OnSetVideoRotatePara\\([1-9][0-9]*\\) "
+    const std::regex line("CLS_ShaderBase::CLS_ShaderBase::OnSetVideoRotatePara\\(([1-9][0-9]*)\\) "
                           "OnSetVideoRotatePara m_nVideoRotateAngle:270, m_nVideoRotateDirection=1, "
                           "mirrorType: 2");
-    EXPECT_TRUE(std::regex_match(vecMessages[0], line)) << vecMessages[0];
+    std::smatch parts;
+    ASSERT_TRUE(std::regex_match(vecMessages[0], parts, line)) << vecMessages[0];
+    EXPECT_THAT(statementAt("CLS_ShaderBase", std::stoi(parts[1])), testing::HasSubstr("XELT_LOG"));
 }
 
 TEST_F(SetParam, ShortRotationChangesTheLeadingMembers)

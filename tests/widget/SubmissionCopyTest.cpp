@@ -243,18 +243,25 @@ TEST_F(SubmissionCopy, PlanarCopiesTheDeclaredLength)
     }
 }
 
-TEST_F(SubmissionCopy, FrameWithoutLengthInASmallerBufferIsCut)
+TEST_F(SubmissionCopy, AShortBufferGrowsForAFrameWithoutLength)
 {
     const GuardedBytes block = hostBytes(72, 21);
     VideoFrameDesc desc = frameOf(VIDEO_DISPLAY_YV12, 8, 6);
     desc.pFrameData = block.data();
     desc.nDataLen = 30;
     EXPECT_EQ(show(desc), 0);
-    desc.nDataLen = 0; // the buffer of 30 bytes is kept, as the size is the same
+    desc.nDataLen = 0;
+    desc.pFrameData = nullptr; // nothing to copy, nothing to grow for
     EXPECT_EQ(show(desc), 0);
     EXPECT_EQ(m_yuv.FrameBufferBytes(), 30U);
-    EXPECT_FALSE(m_yuv.m_bExplicitLength);
     EXPECT_TRUE(buffer() == Bytes(block.data(), block.data() + 30));
+    desc.pFrameData = block.data();
+    EXPECT_EQ(show(desc), 0);
+    EXPECT_FALSE(m_yuv.m_bExplicitLength);
+    EXPECT_TRUE(buffer() == Bytes(block.data(), block.data() + 72));
+    desc.nDataLen = 30;
+    EXPECT_EQ(show(desc), 0);
+    EXPECT_EQ(m_yuv.FrameBufferBytes(), 30U) << "a length that is declared counts";
 }
 
 TEST_F(SubmissionCopy, WithoutPlanesTheOldPictureStaysAndIsRepainted)

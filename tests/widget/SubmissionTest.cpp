@@ -5,6 +5,7 @@
 #include "Frames.h"
 #include "HostWindow.h"
 #include "OpenRenderer.h"
+#include "SourceLine.h"
 #include "d3d11/CLS_D3D11EGL.h"
 
 #include <gmock/gmock.h>
@@ -216,13 +217,14 @@ TEST_F(Submission, SizeBelowOneIsReportedWhenThereIsABuffer)
         EXPECT_EQ(CoreLog::instance().records().size(), 4U);
         EXPECT_TRUE(isErrorRecord(CoreLog::instance().records(), 0, "CLS_ShaderYuv",
                                   "CLS_ShaderYuv::ShowYuvFrame", testCase.pszText));
+        EXPECT_TRUE(leadsToReport(CoreLog::instance().records().at(2).sText, testCase.pszText));
         EXPECT_EQ(m_nUpdates, 0);
         // The picture before it stays.
         EXPECT_EQ(m_yuv.m_pFrameBuffer, pBuffer);
         EXPECT_EQ(m_yuv.m_nVideoWidth, 8);
         EXPECT_EQ(m_yuv.m_nVideoHeight, 6);
     }
-    EXPECT_TRUE(m_yuv.m_mutexFrame.tryLock());
+    EXPECT_TRUE(m_yuv.m_mutexFrame.try_lock());
     m_yuv.m_mutexFrame.unlock();
 }
 

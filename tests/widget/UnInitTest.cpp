@@ -64,7 +64,7 @@ TEST_F(UnInit, ResetsTheFrameStateAndAsksForARepaint)
     // Parameters of the host stay.
     EXPECT_EQ(m_yuv.m_rcDraw, QRect(1, 2, 3, 4));
     EXPECT_EQ(m_yuv.blReserveLastFrm, 1);
-    EXPECT_TRUE(m_yuv.m_mutexFrame.tryLock());
+    EXPECT_TRUE(m_yuv.m_mutexFrame.try_lock());
     m_yuv.m_mutexFrame.unlock();
 }
 

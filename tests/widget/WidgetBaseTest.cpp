@@ -28,7 +28,7 @@ const geometry::NormRect k_rcWhole{0.0, 0.0, 1.0, 1.0};
 TEST(WidgetBase, StartsWithInitialMembers)
 {
     OpenBase base;
-    EXPECT_TRUE(base.m_mutexFrame.tryLock());
+    EXPECT_TRUE(base.m_mutexFrame.try_lock());
     base.m_mutexFrame.unlock();
     EXPECT_TRUE(base.m_mutexDrawInfo.tryLock());
     base.m_mutexDrawInfo.unlock();

@@ -294,15 +294,21 @@ TEST_F(FrameStateTest, AShorterLengthThanThePictureShowsNothing)
     EXPECT_TRUE(matches(k_scaled)) << "the exact length shows it";
 }
 
-// A later frame without a length keeps the buffer that was made for the short one.
-TEST_F(FrameStateTest, AShortBufferStaysUntilALengthOrASizeChanges)
+// A later frame without a length makes the buffer grow that was made for the short one, if it has pixels.
+TEST_F(FrameStateTest, AShortBufferGrowsForTheNextFrame)
 {
     HostFrame brief = yv12Frame(planes());
     brief.desc.nDataLen = 1000;
     submit(brief);
-    submit(yv12Frame(planes()));
+    HostFrame nothing = yv12Frame(planes());
+    nothing.desc.pFrameData = nullptr;
+    submit(nothing);
     EXPECT_TRUE(isBlack(picture()));
     EXPECT_TRUE(matches({0.5, 0.5, 0.0}));
+    submit(yv12Frame(planes()));
+    EXPECT_TRUE(matches(k_scaled));
+    submit(brief);
+    EXPECT_TRUE(isBlack(picture()));
     HostFrame whole = yv12Frame(planes());
     whole.desc.nDataLen = static_cast<int32_t>(whole.vecBlocks[0].size());
     submit(whole);

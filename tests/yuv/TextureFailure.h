@@ -3,6 +3,7 @@
 
 #include "ErrorRecord.h"
 #include "InsideTest.h"
+#include "SourceLine.h"
 #include "TextureTrap.h"
 
 #include <string>
@@ -44,8 +45,13 @@ protected:
         EXPECT_TRUE(isErrorRecord(vecRecords, 0, sClass,
                                   sClass + (isNv12() ? "::InitGLNV12" : "::InitGLYV12"),
                                   "new QOpenGLTexture faild,can not malloc memory!"));
+        EXPECT_TRUE(leadsToReport(vecRecords.at(2).sText, vecRecords.at(3).sText));
         EXPECT_TRUE(this->pane().m_blGLReady);
         EXPECT_NE(this->pane().m_pProgram, nullptr);
+        // Those made so far are kept.
+        EXPECT_EQ(this->pane().m_pTexY != nullptr, TextureFailureTestOf::GetParam().nGood > 0);
+        EXPECT_EQ(this->pane().m_pTexU != nullptr, TextureFailureTestOf::GetParam().nGood > 1);
+        EXPECT_EQ(this->pane().m_pTexV, nullptr);
         EXPECT_TRUE(isBlack(this->pane().picture())) << "it is not tried again";
         EXPECT_EQ(CoreLog::instance().records().size(), 4u);
     }

@@ -10,10 +10,15 @@
 
 namespace xelttest {
 
-// The statement that a line of a file of d3d11/ belongs to, on one line; empty when there is no such line.
+// The statement that a line of one of the library's files belongs to, on one line; empty when there is no such line.
 inline std::string statementAt(const std::string &sFile, int nLine)
 {
-    std::ifstream file(XELT_SOURCE_DIR "/d3d11/" + sFile + ".cpp");
+    std::ifstream file;
+    for (const char *pszFolder : {"interface", "yuv", "widget", "d3d11"}) {
+        if (!file.is_open()) {
+            file.open(std::string(XELT_SOURCE_DIR "/") + pszFolder + "/" + sFile + ".cpp");
+        }
+    }
     std::vector<std::string> vecLines;
     for (std::string sLine; std::getline(file, sLine);) {
         sLine.erase(sLine.find_last_not_of(" \r") + 1);
