@@ -10,6 +10,7 @@
 #   display of their own.
 #   WHITEBOX links the library's objects instead of the shared library, to reach what is not exported.
 #   OWN_MAIN leaves out the main of tests/support.
+#   Sanitizer builds have the first scale only.
 #   TIMEOUT is for an ordinary build; sanitizer builds, and programs that are run by another
 #   system than their own, get six times as long.
 #   What windows-excluded.txt names is left out where that counts.
@@ -163,6 +164,10 @@ function(xelt_add_test)
   endif()
   add_dependencies(xelt_${ARG_LABEL}_tests ${ARG_NAME})
 
+  if(XELT_SANITIZE)
+    # Another scale is other numbers on the same paths: sanitizers see one.
+    list(GET ARG_SCALES 0 ARG_SCALES)
+  endif()
   if(XELT_SANITIZE OR CMAKE_CROSSCOMPILING)
     math(EXPR ARG_TIMEOUT "${ARG_TIMEOUT} * 6")
   endif()
