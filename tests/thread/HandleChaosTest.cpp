@@ -16,6 +16,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstdio>
+#include <deque>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -35,29 +36,55 @@ int playMs()
     return k_blSanitized && glFlavour() == GlFlavour::Es ? 60000 : 6000;
 }
 
-// Runs a function on the GUI thread and waits for its end; false when that does not come in time.
-bool onGuiThread(std::function<void()> function)
+// Functions that are waiting for the GUI thread. They lie here and not in what is posted, which Qt hands over in ways that
+// a sanitizer does not see.
+class GuiCalls
 {
+public:
     struct Call
     {
         std::function<void()> function;
-        std::mutex mutex;
-        std::condition_variable ended;
         bool blEnded = false;
     };
-    const auto pCall = std::make_shared<Call>();
-    pCall->function = std::move(function);
-    QMetaObject::invokeMethod(
-        qApp,
-        [pCall] {
-            pCall->function();
-            const std::lock_guard<std::mutex> guard(pCall->mutex);
-            pCall->blEnded = true;
-            pCall->ended.notify_one();
-        },
-        Qt::QueuedConnection);
-    std::unique_lock<std::mutex> lock(pCall->mutex);
-    return pCall->ended.wait_for(lock, k_guiLimit, [&] { return pCall->blEnded; });
+
+    // Waits for the function's end; false when that does not come in time.
+    bool run(std::function<void()> function)
+    {
+        const auto pCall = std::make_shared<Call>();
+        pCall->function = std::move(function);
+        std::unique_lock<std::mutex> lock(m_mutex);
+        m_calls.push_back(pCall);
+        QMetaObject::invokeMethod(
+            qApp, [] { instance().runNext(); }, Qt::QueuedConnection);
+        return m_ended.wait_for(lock, k_guiLimit, [&] { return pCall->blEnded; });
+    }
+    static GuiCalls &instance()
+    {
+        static GuiCalls s_calls;
+        return s_calls;
+    }
+
+private:
+    void runNext()
+    {
+        std::unique_lock<std::mutex> lock(m_mutex);
+        const std::shared_ptr<Call> pCall = m_calls.front();
+        m_calls.pop_front();
+        lock.unlock();
+        pCall->function();
+        lock.lock();
+        pCall->blEnded = true;
+        m_ended.notify_all();
+    }
+
+    std::mutex m_mutex;
+    std::condition_variable m_ended;
+    std::deque<std::shared_ptr<Call>> m_calls;
+};
+
+bool onGuiThread(std::function<void()> function)
+{
+    return GuiCalls::instance().run(std::move(function));
 }
 
 int livePanes()

@@ -8,6 +8,7 @@
 #include <QElapsedTimer>
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <string>
 
@@ -231,18 +232,22 @@ TEST(ThreadStress, APictureNeverMixesTwoFrames)
     const std::vector<ColourFrame> vecColours = colourFrames();
     HostWindow window(k_paneSize, k_nPanes);
     std::vector<Pushed> vecPushed(k_nPanes);
+    std::atomic<int> nPictures{0};
     Workers workers;
     for (int i = 0; i < k_nPanes; ++i) {
         void *handle = window.pane(i);
         workers.start([&, handle, i](const std::atomic<bool> &blStop) {
             for (int n = 0; n < k_nFrames && !blStop; ++n) {
+                // On a slow machine the pictures would come when all frames are in.
+                while (n == k_nFrames / 2 && nPictures <= k_nPanes && !blStop) {
+                    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+                }
                 push(handle, vecColours[static_cast<size_t>(n * 7 + i) % vecColours.size()].frame,
                      vecPushed[static_cast<size_t>(i)]);
                 std::this_thread::sleep_for(std::chrono::milliseconds(5));
             }
         });
     }
-    int nPictures = 0;
     int nMixed = 0;
     const auto done = [&] {
         const QImage image = grab(window.pane(nPictures % k_nPanes));
